@@ -1,0 +1,15 @@
+# Configures, builds and runs one consumer project from nothing. A project that builds no program
+# named "consumer" has shown all it can by then.
+file(REMOVE_RECURSE "${BUILD}")
+# The pkg-config file names the prefix that the build was configured for; the scratch tree lies
+# elsewhere, so its prefix is given as pkg-config's own relocation does it.
+set(ENV{PKG_CONFIG_PATH} "${PREFIX}/${LIBDIR}/pkgconfig")
+execute_process(COMMAND ${CMAKE_COMMAND} -S "${SOURCE}" -B "${BUILD}" -G "${GENERATOR}"
+  "-DCMAKE_BUILD_TYPE=${BUILD_TYPE}" "-DCMAKE_CXX_COMPILER=${CXX_COMPILER}"
+  "-DCMAKE_CXX_FLAGS=${CXX_FLAGS}" "-DCMAKE_PREFIX_PATH=${PREFIX}"
+  "-DSCRATCH_PREFIX=${PREFIX}" "-DSOFTWARE_UPDATE_CLIENT_ROOT=${ROOT}"
+  COMMAND_ERROR_IS_FATAL ANY)
+if(EXISTS "${SOURCE}/main.cpp")
+  execute_process(COMMAND ${CMAKE_COMMAND} --build "${BUILD}" COMMAND_ERROR_IS_FATAL ANY)
+  execute_process(COMMAND "${BUILD}/consumer" COMMAND_ERROR_IS_FATAL ANY)
+endif()
