@@ -1,0 +1,69 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+#include <memory>
+
+#include "host/FileFormatsZip/FileFormatsZipExport.h"
+
+namespace vx {
+
+/**
+ * Unpacks a whole ZIP archive in the background and reports once.
+ *
+ * The job starts by itself, on threads of its own, when control is back in the event loop of the
+ * thread that made the object; so connections made after the constructor miss nothing. It reports
+ * on that thread by exactly one of its two signals. Its rules for what it writes are those of
+ * ZipReader::extractFiles().
+ *
+ * The object may be destroyed at any time. A job that is still running is then cancelled, what it
+ * has unpacked is removed, nothing is reported, and the destructor returns when its threads have
+ * ended, which is a matter of milliseconds apart from the removal. The end of the application
+ * cancels the job in the same way.
+ */
+class VX_FILEFORMATSZIP_EXPORT Unzipper : public QObject
+{
+    Q_OBJECT
+
+public:
+    /**
+     * A job that unpacks @p zipFile into @p targetFolder.
+     *
+     * @param zipFile      path of the archive; it is read when the job starts, and not changed.
+     * @param targetFolder created if it does not exist; the folder above it must exist.
+     * @param flat         false keeps the folders of the archive; true puts every file directly
+     *                     into @p targetFolder, and makes no folders.
+     */
+    Unzipper(const QString& zipFile, const QString& targetFolder, bool flat);
+    ~Unzipper() override;
+
+    /**
+     * Deletes the archive from disk. Meant for the receiver of unzippingDone(); a job that is
+     * running is not disturbed on systems that keep an open file readable.
+     *
+     * @return whether the archive is gone. That it did not exist counts as false.
+     */
+    bool removeZipFile();
+
+signals:
+    /** Everything is unpacked. @p path is the target folder, as it was given. */
+    void unzippingDone(const QString& path);
+
+    /**
+     * The archive could not be unpacked, and what had been unpacked is removed. @p reason says why,
+     * in words meant for the user: plain text, one or two sentences.
+     */
+    void unzippingFailed(const QString& reason);
+
+private slots:
+    void start();
+    void report();
+    void stop();
+
+private:
+    class Private;
+    std::unique_ptr<Private> d;
+};
+
+} // namespace vx

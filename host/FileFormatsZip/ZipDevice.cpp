@@ -1,0 +1,68 @@
+#include "host/FileFormatsZip/ZipDevice.h"
+
+#include <QCoreApplication>
+#include <QProgressDialog>
+
+namespace vx {
+
+namespace {
+
+// A QProgressDialog counts in int, which bytes overflow at 2 GiB.
+constexpr int steps = 1000;
+
+int stepOf(qint64 done, qint64 total)
+{
+    return total > 0 ? static_cast<int>(static_cast<double>(done) / total * (steps - 1)) : 0;
+}
+
+} // namespace
+
+ZipDevice::ZipDevice(const QString& path, QObject* parent)
+    : QObject(parent)
+    , m_path(path)
+{}
+
+ZipDevice::~ZipDevice() = default;
+
+void ZipDevice::attachProgressDialog(QProgressDialog* dialog)
+{
+    if (m_dialog) {
+        disconnect(m_dialog, SIGNAL(canceled()), this, SLOT(noteCancel()));
+    }
+    m_dialog = dialog;
+    if (m_dialog) {
+        connect(m_dialog, SIGNAL(canceled()), this, SLOT(noteCancel()));
+    }
+}
+
+void ZipDevice::beginProgress()
+{
+    m_canceled = false;
+    if (m_dialog) {
+        m_dialog->setRange(0, steps);
+        m_dialog->setValue(0);
+    }
+}
+
+void ZipDevice::showProgress(qint64 done, qint64 total)
+{
+    if (m_dialog) {
+        // One step is kept back for endProgress(): a full dialog closes itself.
+        m_dialog->setValue(stepOf(done, total));
+        QCoreApplication::processEvents();
+    }
+}
+
+void ZipDevice::endProgress()
+{
+    if (m_dialog) {
+        m_dialog->setValue(steps);
+    }
+}
+
+void ZipDevice::noteCancel()
+{
+    m_canceled = true;
+}
+
+} // namespace vx

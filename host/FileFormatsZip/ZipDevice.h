@@ -1,0 +1,74 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+#include "host/FileFormatsZip/FileFormatsZipExport.h"
+
+class QProgressDialog;
+
+namespace vx {
+
+/**
+ * What every device on a ZIP archive has in common: the path of the archive, and a progress dialog
+ * that the device drives while it works.
+ *
+ * Failures are reported as vx::IOException and as no other type. A device belongs to one thread;
+ * with a dialog attached that is the GUI thread.
+ */
+class VX_FILEFORMATSZIP_EXPORT ZipDevice : public QObject
+{
+    Q_OBJECT
+
+public:
+    ~ZipDevice() override;
+
+    /** The path of the archive as it was given. */
+    QString path() const { return m_path; }
+
+    /**
+     * Lets the device drive @p dialog during its work: it sets the range (0 to 1000, tenths of a
+     * per cent of the bytes to be written) and the value, and processes events, so that the dialog
+     * stays responsive and its cancel button works.
+     *
+     * The dialog stays the caller's. It may be destroyed at any time, from within those events too;
+     * the work then goes on without it. Null detaches the dialog. Without a dialog no events are
+     * processed, and the work can't be cancelled.
+     */
+    void attachProgressDialog(QProgressDialog* dialog);
+
+    /**
+     * Whether the user cancelled the dialog since the last piece of work began. It stays true after
+     * the dialog is gone, and becomes false when the next piece of work begins.
+     */
+    bool wasCanceled() const { return m_canceled; }
+
+protected:
+    ZipDevice(const QString& path, QObject* parent);
+
+    /** Whether there is a dialog to drive. */
+    bool hasProgressDialog() const { return !m_dialog.isNull(); }
+
+    /** Forgets an earlier cancel and sets the dialog to its beginning. */
+    void beginProgress();
+
+    /**
+     * Shows @p done of @p total bytes and processes pending events. The dialog, and the device
+     * itself, may be gone afterwards.
+     */
+    void showProgress(qint64 done, qint64 total);
+
+    /** Sets the dialog to its end, which hides it if its autoClose() says so. */
+    void endProgress();
+
+private slots:
+    void noteCancel();
+
+private:
+    QString m_path;
+    QPointer<QProgressDialog> m_dialog;
+    bool m_canceled = false;
+};
+
+} // namespace vx
