@@ -1,0 +1,87 @@
+#include "host/Core/Log.h"
+
+#include <chrono>
+#include <ctime>
+#include <iomanip>
+#include <iostream>
+
+#include "host/Core/MutexLocker.h"
+
+namespace vx {
+
+namespace {
+
+bool isLevel(int level)
+{
+    return level >= 0 && level <= Log::highestLevel;
+}
+
+void writeLocalTime(std::ostream& stream)
+{
+    using std::chrono::milliseconds;
+    using std::chrono::system_clock;
+    const system_clock::time_point now = system_clock::now();
+    const auto sinceEpoch = std::chrono::floor<milliseconds>(now.time_since_epoch());
+    const std::time_t seconds = system_clock::to_time_t(now);
+    std::tm local{};
+    localtime_r(&seconds, &local);
+    char text[] = "YYYY-MM-DD hh:mm:ss";
+    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local);
+    stream << text << '.' << std::dec << std::right << std::setfill('0') << std::setw(3)
+           << sinceEpoch.count() % 1000;
+}
+
+} // namespace
+
+Log::Log()
+    : m_logLevel(Failure)
+{
+    for (const ELevel level : {Info, ParserMessage, Failure}) {
+        m_streams[level] = &std::clog;
+    }
+}
+
+Log& Log::instance()
+{
+    // Never destroyed, so that destructors of static objects can still log.
+    static Log& log = *new Log;
+    return log;
+}
+
+std::ostream* Log::getStream(ELevel level) const
+{
+    return isLevel(level) ? m_streams[level].load() : nullptr;
+}
+
+void Log::setStream(ELevel level, std::ostream* stream)
+{
+    if (isLevel(level)) {
+        const MutexLocker locker(m_mutex, true);
+        m_streams[level] = stream;
+    }
+}
+
+int Log::logLevel() const
+{
+    return m_logLevel;
+}
+
+void Log::setLogLevel(int level)
+{
+    m_logLevel = level;
+}
+
+void Log::pre(ELevel level)
+{
+    if (std::ostream* const stream = getStream(level)) {
+        writeLocalTime(*stream);
+        *stream << " [" << level << "] ";
+    }
+}
+
+Mutex& Log::mutex()
+{
+    return m_mutex;
+}
+
+} // namespace vx
