@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace vx {
+
+/** The bytes of a catalogue and the name by which messages speak of it. */
+struct CatalogueSource
+{
+    /** A path, a URL, or "standard input". */
+    QString name;
+    QByteArray bytes;
+};
+
+/**
+ * Reads a whole catalogue, of the size at most that the library reads.
+ *
+ * @param source a file's path, an http or https URL, or "-" for standard input. A URL is asked as
+ *     the library asks it: one GET with the same header, redirects followed, 15 s for each.
+ * @throws CommandFailure with ExitUnreadable
+ */
+CatalogueSource readCatalogue(const QString& source);
+
+} // namespace vx
