@@ -22,6 +22,7 @@ void vx::logLine(int level, const QString& text)
     }
     const std::ios_base::fmtflags flags = stream->flags();
     log.pre(logLevel);
-    *stream << text.toLatin1().constData() << std::endl;
+    const QByteArray ascii = text.toLatin1();
+    stream->write(ascii.constData(), ascii.size()) << std::endl;
     stream->flags(flags);
 }

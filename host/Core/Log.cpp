@@ -2,8 +2,8 @@
 
 #include <chrono>
 #include <ctime>
-#include <iomanip>
 #include <iostream>
+#include <string>
 
 #include "host/Core/MutexLocker.h"
 
@@ -16,7 +16,8 @@ bool isLevel(int level)
     return level >= 0 && level <= Log::highestLevel;
 }
 
-void writeLocalTime(std::ostream& stream)
+/** The local time, as in "2024-02-29 13:05:09.042". */
+std::string localTime()
 {
     using std::chrono::milliseconds;
     using std::chrono::system_clock;
@@ -25,10 +26,10 @@ void writeLocalTime(std::ostream& stream)
     const std::time_t seconds = system_clock::to_time_t(now);
     std::tm local{};
     localtime_r(&seconds, &local);
-    char text[] = "YYYY-MM-DD hh:mm:ss";
-    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local);
-    stream << text << '.' << std::dec << std::right << std::setfill('0') << std::setw(3)
-           << sinceEpoch.count() % 1000;
+    char toSeconds[32];
+    std::strftime(toSeconds, sizeof toSeconds, "%Y-%m-%d %H:%M:%S", &local);
+    const std::string fraction = std::to_string(1000 + sinceEpoch.count() % 1000);
+    return std::string(toSeconds) + '.' + fraction.substr(1);
 }
 
 } // namespace
@@ -74,8 +75,9 @@ void Log::setLogLevel(int level)
 void Log::pre(ELevel level)
 {
     if (std::ostream* const stream = getStream(level)) {
-        writeLocalTime(*stream);
-        *stream << " [" << level << "] ";
+        const std::string prefix = localTime() + " [" + std::to_string(level) + "] ";
+        // Unformatted: what the stream does to numbers and widths is no matter of ours.
+        stream->write(prefix.data(), static_cast<std::streamsize>(prefix.size()));
     }
 }
 
