@@ -179,7 +179,8 @@ public slots:
      * Asks the server for its catalogue. Answered by packageFound() or noPackageFound(), then
      * queryFinished(), then the callback.
      *
-     * @param callbackReceiver must live until the callback, which comes through the event loop.
+     * @param callbackReceiver the object to call through the event loop. If it is destroyed before,
+     * there is no callback.
      * @param callbackSlot a method that takes a PackageInfoList; null for no callback. The text
      * must outlive the query.
      */
