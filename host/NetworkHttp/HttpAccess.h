@@ -21,11 +21,12 @@ struct VX_NETWORKHTTP_EXPORT HttpAccess
 
     /**
      * @param host as in setAddress.
-     * @param port as in setAddress.
+     * @param hostPort as in setAddress.
      * @param userName the name to log in with when asked; empty for none.
      * @param userPassword the password that goes with it.
      */
-    HttpAccess(const QString& host, int port, const QString& userName, const QString& userPassword);
+    HttpAccess(const QString& host, int hostPort, const QString& userName,
+               const QString& userPassword);
 
     /**
      * Takes scheme, host, port, user and password of @p url; path and query are ignored.
@@ -63,6 +64,9 @@ struct VX_NETWORKHTTP_EXPORT HttpAccess
      */
     operator QString() const;
 
+    /** Whether host, without regard to case, and port are those of @p other. */
+    bool hasSameAddress(const HttpAccess& other) const;
+
     /** Host name or address, IPv6 without brackets. Empty: no access. */
     QString address;
 
@@ -78,9 +82,5 @@ struct VX_NETWORKHTTP_EXPORT HttpAccess
     /** Whether a server is asked by https instead of http. Not used of a proxy. Default false. */
     bool secure;
 };
-
-/** Whether all fields are the same; host names compare without regard to case. */
-VX_NETWORKHTTP_EXPORT bool operator==(const HttpAccess& a, const HttpAccess& b);
-VX_NETWORKHTTP_EXPORT bool operator!=(const HttpAccess& a, const HttpAccess& b);
 
 } // namespace vx

@@ -145,9 +145,11 @@ signals:
      */
     void requestReset(RequestPtr request);
 
-private:
-    void startTransfer(const RequestPtr& request);
+private slots:
     void finish(vx::HttpTransfer* transfer);
+
+private:
+    void discard(vx::HttpTransfer* transfer);
 
     vx::HttpHost m_host;
     int m_idleTimeout = defaultIdleTimeout;

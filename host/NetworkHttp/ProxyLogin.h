@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QNetworkProxy>
+
+#include "host/NetworkHttp/HttpHost.h"
+
+class QAuthenticator;
+
+namespace vx {
+
+/** The proxy that @p host asks for, without user and password; NoProxy in so many words if none. */
+QNetworkProxy networkProxyOf(const HttpHost& host);
+
+/**
+ * Fills in user and password for the proxy of @p host: its own, or those of the application's proxy
+ * if that has the same host and port. Leaves @p authenticator alone if there are none.
+ */
+void logInToProxy(const HttpHost& host, QAuthenticator* authenticator);
+
+} // namespace vx
