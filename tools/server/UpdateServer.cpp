@@ -19,6 +19,13 @@ ServedReply proxyPasswordRequired()
     return reply;
 }
 
+ServedReply noTunnels()
+{
+    ServedReply reply;
+    reply.status = 501;
+    return reply;
+}
+
 ServedReply notFound()
 {
     ServedReply reply;
@@ -78,6 +85,9 @@ Answer UpdateServer::Private::answer(const ServedRequest& request)
         requests.append(request);
         if (!mayPass(request)) {
             return {QString(), proxyPasswordRequired()};
+        }
+        if (request.method == "CONNECT") {
+            return {QString(), noTunnels()};
         }
         const auto found = replies.constFind(request.path);
         if (found != replies.constEnd()) {

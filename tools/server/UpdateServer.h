@@ -67,7 +67,8 @@ struct ServedReply
  * It answers GET and HEAD (any other method is handed on as well, its body is not read), one
  * request per connection, and fails on request in the ways in which real servers fail. Asked as a
  * forward proxy it answers by itself for every host, so that a package "on port 80 of
- * download.example" can be served without that host and without the right to open port 80.
+ * download.example" can be served without that host and without the right to open port 80. Tunnels
+ * (CONNECT) get status 501.
  *
  * The answer to a path is, in this order: the reply set for the path, the handler's, the file of
  * that path below the folder, status 404.

@@ -1,0 +1,305 @@
+#include <QDir>
+#include <QDomDocument>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "tests/support/TestMain.h"
+#include "tests/tools/server/RawConnection.h"
+#include "tests/tools/server/WebClient.h"
+#include "tools/server/Scenario.h"
+
+using namespace vx;
+using namespace vx::test;
+
+namespace {
+
+const QByteArray catalogue = "<softwareList><package name=\"Sample\"/></softwareList>";
+const QByteArray package(20000, 'p');
+constexpr int quietMs = 300;
+
+void writeFile(const QString& name, const QByteArray& content)
+{
+    QFile file(name);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(content), qint64(content.size()));
+}
+
+} // namespace
+
+class tst_Scenario : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void describesEveryScenario();
+    void knowsNoOther();
+    void servesTheCatalogueIntact_data();
+    void servesTheCatalogueIntact();
+    void servesThePackageIntact_data();
+    void servesThePackageIntact();
+    void upToDateHasPackagesForOthersOnly();
+    void emptyHasNoPackage();
+    void malformedIsNoXml();
+    void redirectEndsAtTheCatalogue();
+    void redirectLoopNeverEnds();
+    void silentNeverAnswers();
+    void breaksThePackageOff_data();
+    void breaksThePackageOff();
+    void long404IsLongerThanThePackage();
+    void captivePortalAnswersEverything();
+    void slowTakesItsTime();
+    void proxyPasswordIsDemandedUntilTheNextScenario();
+    void missingFilesAreNotFound_data();
+    void missingFilesAreNotFound();
+    void servesNothingOutsideTheFolder();
+
+private:
+    WebResult get(const QString& path) { return fetch(QNetworkRequest(m_server->url(path))); }
+    bool play(const char* name) { return applyScenario(*m_server, name, m_folder->path()); }
+
+    QScopedPointer<UpdateServer> m_server;
+    QScopedPointer<QTemporaryDir> m_folder;
+};
+
+void tst_Scenario::init()
+{
+    m_folder.reset(new QTemporaryDir);
+    writeFile(m_folder->filePath("catalogue.xml"), catalogue);
+    writeFile(m_folder->filePath("package.zip"), package);
+    m_server.reset(new UpdateServer);
+    QVERIFY(m_server->start());
+}
+
+void tst_Scenario::cleanup()
+{
+    m_server.reset();
+    m_folder.reset();
+}
+
+void tst_Scenario::describesEveryScenario()
+{
+    const QStringList names = scenarioNames();
+    for (const char* name :
+         {"up-to-date", "empty", "malformed", "redirect", "redirect-loop", "silent", "short",
+          "long-404", "stall-at-99", "reset", "captive-portal", "slow", "proxy-password"}) {
+        QVERIFY2(names.contains(QLatin1String(name)), name);
+    }
+    QCOMPARE(QSet<QString>(names.begin(), names.end()).size(), names.size());
+    for (const QString& name : names) {
+        QVERIFY2(!scenarioDescription(name).isEmpty(), qPrintable(name));
+        QVERIFY2(applyScenario(*m_server, name, m_folder->path()), qPrintable(name));
+    }
+}
+
+void tst_Scenario::knowsNoOther()
+{
+    QVERIFY(play("as-it-is"));
+    QVERIFY(!play("no such scenario"));
+    QVERIFY(!play(""));
+    QVERIFY(scenarioDescription("no such scenario").isEmpty());
+    QCOMPARE(get("/").body, catalogue);
+}
+
+void tst_Scenario::servesTheCatalogueIntact_data()
+{
+    QTest::addColumn<QString>("scenario");
+    for (const char* name :
+         {"as-it-is", "short", "long-404", "stall-at-99", "reset", "slow", "proxy-password"}) {
+        QTest::newRow(name) << name;
+    }
+}
+
+void tst_Scenario::servesTheCatalogueIntact()
+{
+    QFETCH(QString, scenario);
+    QVERIFY(applyScenario(*m_server, scenario, m_folder->path()));
+    QCOMPARE(get("/").body, catalogue);
+    const WebResult named = get("/catalogue.xml");
+    QCOMPARE(named.status, 200);
+    QCOMPARE(named.body, catalogue);
+    QCOMPARE(named.contentType, QByteArray("text/xml"));
+}
+
+void tst_Scenario::servesThePackageIntact_data()
+{
+    QTest::addColumn<QString>("scenario");
+    for (const char* name : {"as-it-is", "up-to-date", "empty", "malformed", "redirect",
+                             "redirect-loop", "proxy-password"}) {
+        QTest::newRow(name) << name;
+    }
+}
+
+void tst_Scenario::servesThePackageIntact()
+{
+    QFETCH(QString, scenario);
+    QVERIFY(applyScenario(*m_server, scenario, m_folder->path()));
+    const WebResult result = get("/package.zip");
+    QCOMPARE(result.status, 200);
+    QCOMPARE(result.body, package);
+}
+
+void tst_Scenario::upToDateHasPackagesForOthersOnly()
+{
+    QVERIFY(play("up-to-date"));
+    QDomDocument document;
+    QVERIFY(document.setContent(get("/").body));
+    const QDomElement other = document.documentElement().firstChildElement("package");
+    QVERIFY(!other.isNull());
+    QVERIFY(!other.attribute("platform").isEmpty());
+    QVERIFY(!other.attribute("platform").startsWith("Mac"));
+}
+
+void tst_Scenario::emptyHasNoPackage()
+{
+    QVERIFY(play("empty"));
+    QDomDocument document;
+    QVERIFY(document.setContent(get("/").body));
+    QVERIFY(!document.documentElement().hasChildNodes());
+}
+
+void tst_Scenario::malformedIsNoXml()
+{
+    QVERIFY(play("malformed"));
+    QCOMPARE(get("/").status, 200);
+    QDomDocument document;
+    QVERIFY(!document.setContent(get("/").body));
+}
+
+void tst_Scenario::redirectEndsAtTheCatalogue()
+{
+    QVERIFY(play("redirect"));
+    const WebResult first = get("/");
+    QCOMPARE(first.status, 302);
+    QVERIFY(!first.redirect.isRelative());
+    const WebResult second = fetch(QNetworkRequest(first.redirect));
+    QCOMPARE(second.status, 200);
+    QCOMPARE(second.body, catalogue);
+}
+
+void tst_Scenario::redirectLoopNeverEnds()
+{
+    QVERIFY(play("redirect-loop"));
+    QUrl url = m_server->url("/catalogue.xml");
+    for (int hop = 0; hop < 10; ++hop) {
+        const WebResult result = fetch(QNetworkRequest(url));
+        QCOMPARE(result.status, 302);
+        QCOMPARE(result.redirect, m_server->url("/catalogue.xml"));
+        url = result.redirect;
+    }
+}
+
+void tst_Scenario::silentNeverAnswers()
+{
+    QVERIFY(play("silent"));
+    for (const char* target : {"/", "/package.zip"}) {
+        RawConnection client(m_server->port());
+        QVERIFY(client.get(target));
+        QCOMPARE(client.readToEnd(quietMs), Ending::None);
+        QVERIFY(client.received().isEmpty());
+    }
+}
+
+void tst_Scenario::breaksThePackageOff_data()
+{
+    QTest::addColumn<QString>("scenario");
+    QTest::addColumn<int>("received");
+    QTest::addColumn<int>("ending");
+    QTest::newRow("short") << "short" << package.size() / 2 << int(Ending::Closed);
+    QTest::newRow("reset") << "reset" << package.size() / 2 << int(Ending::Reset);
+    QTest::newRow("stall-at-99") << "stall-at-99" << package.size() / 100 * 99 << int(Ending::None);
+}
+
+void tst_Scenario::breaksThePackageOff()
+{
+    QFETCH(QString, scenario);
+    QFETCH(int, received);
+    QFETCH(int, ending);
+    QVERIFY(applyScenario(*m_server, scenario, m_folder->path()));
+    RawConnection client(m_server->port());
+    QVERIFY(client.get("/package.zip"));
+    QCOMPARE(int(client.readToEnd(quietMs)), ending);
+    QCOMPARE(client.status(), 200);
+    QCOMPARE(client.body().size(), received);
+    QVERIFY(client.head().contains("Content-Length: " + QByteArray::number(package.size())));
+}
+
+void tst_Scenario::long404IsLongerThanThePackage()
+{
+    QVERIFY(play("long-404"));
+    const WebResult result = get("/package.zip");
+    QCOMPARE(result.status, 404);
+    QVERIFY(result.body.size() > package.size());
+}
+
+void tst_Scenario::captivePortalAnswersEverything()
+{
+    QVERIFY(play("captive-portal"));
+    for (const char* path : {"/", "/catalogue.xml", "/package.zip", "/missing"}) {
+        const WebResult result = get(path);
+        QCOMPARE(result.status, 200);
+        QCOMPARE(result.contentType, QByteArray("text/html"));
+        QDomDocument document;
+        QVERIFY(!document.setContent(result.body));
+    }
+}
+
+void tst_Scenario::slowTakesItsTime()
+{
+    QVERIFY(play("slow"));
+    RawConnection client(m_server->port());
+    QVERIFY(client.get("/package.zip"));
+    QCOMPARE(client.read(1000), Ending::None);
+    QVERIFY(client.body().size() > 0);
+    QVERIFY(client.body().size() < package.size() / 2);
+}
+
+void tst_Scenario::proxyPasswordIsDemandedUntilTheNextScenario()
+{
+    const QNetworkRequest request(QUrl(QStringLiteral("http://download.example/package.zip")));
+    QNetworkProxy proxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), m_server->port());
+    QVERIFY(play("proxy-password"));
+    QCOMPARE(fetch(request, proxy).error, QNetworkReply::ProxyAuthenticationRequiredError);
+    proxy.setUser(QStringLiteral("user"));
+    proxy.setPassword(QStringLiteral("secret"));
+    QCOMPARE(fetch(request, proxy).body, package);
+    QVERIFY(play("as-it-is"));
+    QCOMPARE(fetch(request, QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"),
+                                          m_server->port()))
+                 .body,
+             package);
+}
+
+void tst_Scenario::missingFilesAreNotFound_data()
+{
+    QTest::addColumn<QString>("scenario");
+    for (const QString& name : scenarioNames()) {
+        if (name != "silent" && name != "captive-portal") {
+            QTest::newRow(qPrintable(name)) << name;
+        }
+    }
+}
+
+void tst_Scenario::missingFilesAreNotFound()
+{
+    QFETCH(QString, scenario);
+    QVERIFY(applyScenario(*m_server, scenario, m_folder->path()));
+    QCOMPARE(get("/missing.zip").status, 404);
+}
+
+void tst_Scenario::servesNothingOutsideTheFolder()
+{
+    QVERIFY(QDir(m_folder->path()).mkdir("inner"));
+    QVERIFY(applyScenario(*m_server, "as-it-is", m_folder->filePath("inner")));
+    RawConnection client(m_server->port());
+    QVERIFY(client.get("/../package.zip"));
+    QCOMPARE(client.readToEnd(), Ending::Closed);
+    QCOMPARE(client.status(), 404);
+}
+
+VX_TEST_MAIN(tst_Scenario)
+
+#include "tst_Scenario.moc"
