@@ -1,6 +1,7 @@
 #include "host/CoreQt/StringUtils.h"
 
 #include <QCoreApplication>
+#include <QStringList>
 
 #include <algorithm>
 
@@ -8,12 +9,13 @@ namespace vx {
 
 namespace {
 
-bool beginsLikeOneOf(const QString& text, const QStringSet& others)
+bool oneBeginsTheOther(const QString& a, const QString& b)
 {
-    return std::any_of(others.begin(), others.end(), [&text](const QString& other) {
-        return text.isEmpty() || other.isEmpty() ? text.isEmpty() && other.isEmpty()
-                                                 : text.startsWith(other) || other.startsWith(text);
-    });
+    if (a.isEmpty() || b.isEmpty()) {
+        // As a beginning of everything, a camera without a name would be offered every package.
+        return a.isEmpty() && b.isEmpty();
+    }
+    return a.startsWith(b) || b.startsWith(a);
 }
 
 } // namespace
@@ -34,8 +36,11 @@ bool StringUtils::intersectsWith(const QStringSet& a, const QStringSet& b)
 
 bool StringUtils::intersectsOnBeginning(const QStringSet& a, const QStringSet& b)
 {
-    return std::any_of(a.begin(), a.end(),
-                       [&b](const QString& text) { return beginsLikeOneOf(text, b); });
+    return std::any_of(a.begin(), a.end(), [&b](const QString& text) {
+        return std::any_of(b.begin(), b.end(), [&text](const QString& other) {
+            return oneBeginsTheOther(text, other);
+        });
+    });
 }
 
 void StringUtils::appendAll(QStringSet& target, const QStringSet& source, const QString& context)
