@@ -1,0 +1,55 @@
+#include <QCoreApplication>
+
+#include "package/PackageInfo.h"
+
+namespace vx {
+
+namespace {
+
+const char* const translationContext = "Download";
+
+QStringList gatherTexts(const PackageInfoList& list, QString PackageInfo::*field, bool translated)
+{
+    QStringSet texts;
+    for (const PackageInfo& package : list) {
+        const QString& text = package.*field;
+        texts.insert(translated ? QCoreApplication::translate(translationContext,
+                                                              text.toLatin1().constData())
+                                : text);
+    }
+    return texts.values();
+}
+
+// Whether translated or not is decided by appendAll alone, unlike for the single texts.
+QStringList gatherWords(const PackageInfoList& list, QStringSet PackageInfo::*field)
+{
+    QStringSet words;
+    for (const PackageInfo& package : list) {
+        StringUtils::appendAll(words, package.*field, QLatin1String(translationContext));
+    }
+    return words.values();
+}
+
+} // namespace
+
+QStringList PackageInfo::allTypes(const PackageInfoList& list, bool translated)
+{
+    return gatherTexts(list, &PackageInfo::type, translated);
+}
+
+QStringList PackageInfo::allLanguages(const PackageInfoList& list, bool)
+{
+    return gatherWords(list, &PackageInfo::languages);
+}
+
+QStringList PackageInfo::allPlatforms(const PackageInfoList& list, bool)
+{
+    return gatherWords(list, &PackageInfo::platforms);
+}
+
+QStringList PackageInfo::allReleases(const PackageInfoList& list, bool translated)
+{
+    return gatherTexts(list, &PackageInfo::release, translated);
+}
+
+} // namespace vx
