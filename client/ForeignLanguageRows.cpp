@@ -1,0 +1,42 @@
+#include "client/SoftwareUpdateClient.h"
+
+#include <QLocale>
+
+#include "client/SoftwareUpdateConstants.h"
+
+namespace vx {
+
+namespace {
+
+bool suits(const QStringSet& languages, const QString& systemLanguage)
+{
+    // Firmware that comes in English alone is meant for another market; what an English system
+    // wants carries German as well. There is no such rule for any other language.
+    if (systemLanguage == QLatin1String("en")) {
+        return languages.contains(QStringLiteral("de")) && languages.contains(QStringLiteral("en"));
+    }
+    return languages.contains(systemLanguage);
+}
+
+} // namespace
+
+QList<int> SoftwareUpdateClient::determineForeignLanguageRows(const PackageInfoList& list)
+{
+    const QString systemLanguage = QLocale::system().name().section(QLatin1Char('_'), 0, 0);
+    QList<int> foreignRows;
+    bool ownLanguageFound = false;
+    for (int row = 0; row < list.size(); ++row) {
+        if (list.at(row).type != sSoftUpCameraUpdateTag) {
+            continue;
+        }
+        if (suits(list.at(row).languages, systemLanguage)) {
+            ownLanguageFound = true;
+        } else {
+            foreignRows.append(row);
+        }
+    }
+    // Where nothing suits the user, hiding would leave nothing to choose from.
+    return ownLanguageFound ? foreignRows : QList<int>();
+}
+
+} // namespace vx

@@ -1,0 +1,62 @@
+#include "client/SoftwareUpdateClient.h"
+
+#include <QDesktopServices>
+#include <QDir>
+#include <QFileInfo>
+#include <QUrl>
+
+#include "download/DownloadManager.h"
+#include "package/LogLine.h"
+
+namespace vx {
+
+namespace {
+
+DownloadManager* newUnzipManager()
+{
+    return new DownloadManager;
+}
+
+QFileInfoList installerBundlesIn(const QString& folder)
+{
+    // Bundles are folders; a plain file of that name is none.
+    return QDir(folder).entryInfoList(
+        {QStringLiteral("*.mpkg")},
+        QDir::Dirs | QDir::NoSymLinks | QDir::Readable | QDir::NoDotAndDotDot, QDir::NoSort);
+}
+
+} // namespace
+
+void SoftwareUpdateClient::installMPKGPackage()
+{
+    if (!unzipManager) {
+        unzipManager = newUnzipManager();
+    }
+    unzipManager->unzipPackage(downloadFilePath);
+    // In time, since unpacking reports through the event loop.
+    QObject::connect(unzipManager, SIGNAL(unzippingDone(QString)), this,
+                     SLOT(unzippedMPKGPackage(QString)));
+}
+
+void SoftwareUpdateClient::unzippedMPKGPackage(const QString& unzippedFilePath)
+{
+    if (unzipManager) {
+        unzipManager->deleteLater();
+        unzipManager = nullptr;
+    }
+    logLine(1, QStringLiteral(
+                   "SoftwareUpdateClient::unzippedMPKGPackage() -> unzipped succesfully to ") +
+                   unzippedFilePath);
+    const QFileInfoList bundles = installerBundlesIn(unzippedFilePath);
+    for (const QFileInfo& bundle : bundles) {
+        const QString path = bundle.absoluteFilePath();
+        logLine(1, QStringLiteral("SoftwareUpdateClient::installMPKGPackage ") + path);
+        if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path))) {
+            logLine(3, QStringLiteral("SoftwareUpdateClient::installMPKGPackage, can't start "
+                                      "package installer!"));
+            break;
+        }
+    }
+}
+
+} // namespace vx

@@ -1,0 +1,122 @@
+#include "client/SoftwareUpdateClient.h"
+
+#include <QCoreApplication>
+#include <QVariant>
+
+#include <memory>
+
+#include "client/SoftwareUpdateConstants.h"
+
+namespace vx {
+
+namespace {
+
+QString textOr(const QString& text, const QString& fallback)
+{
+    return text.isEmpty() ? fallback : text;
+}
+
+std::unique_ptr<QSettings> openStore()
+{
+    return std::make_unique<QSettings>(
+        SoftwareUpdateClient::sSoftUpQSettingsFormat, SoftwareUpdateClient::sSoftUpQSettingsScope,
+        textOr(QCoreApplication::organizationName(), QStringLiteral("Veldrix")),
+        textOr(QCoreApplication::applicationName(), QStringLiteral("softwareUpdate")));
+}
+
+bool flagOr(const QVariant& value, bool fallback)
+{
+    return value.toString().isEmpty() ? fallback : value.toBool();
+}
+
+VersionNumber versionFromText(const QString& text)
+{
+    return VersionNumber(text.toLatin1().toStdString());
+}
+
+VersionNumber storedVersion(const QVariant& value)
+{
+    return value.isNull() ? VersionNumber("0") : versionFromText(value.toString());
+}
+
+QStringList storedList(const QVariant& value)
+{
+    return value.toString().split(QLatin1Char(','), Qt::SkipEmptyParts, Qt::CaseSensitive);
+}
+
+SoftUpCurrentCameraVersions storedCameras(const QVariant& value)
+{
+    SoftUpCurrentCameraVersions cameras;
+    const QStringList items = storedList(value);
+    for (const QString& item : items) {
+        cameras.append(qMakePair(item.section(QLatin1Char(':'), 0, 0),
+                                 versionFromText(item.section(QLatin1Char(':'), 1, 1))));
+    }
+    return cameras;
+}
+
+// Nothing is escaped: stores in use are read by other programs that split at "," and ":" alone.
+QStringList cameraItems(const SoftUpCurrentCameraVersions& cameras)
+{
+    QStringList items;
+    for (const auto& camera : cameras) {
+        items << camera.first + QLatin1Char(':') + QString::fromStdString(camera.second.toString());
+    }
+    return items;
+}
+
+void writeText(QSettings& store, const QString& key, const QString& text)
+{
+    if (!text.isNull()) {
+        store.setValue(key, text);
+    }
+}
+
+void writeList(QSettings& store, const QString& key, const QStringList& list)
+{
+    if (!list.isEmpty()) {
+        store.setValue(key, list.join(QLatin1Char(',')));
+    }
+}
+
+} // namespace
+
+void SoftwareUpdateClient::getCurrentSettings(SoftwareUpdateSettings* record)
+{
+    record->clear();
+    const auto store = openStore();
+    record->doUpdateCheck = flagOr(store->value(sSoftUpSettingsDoUpdateCheckKey), true);
+    record->checkForBeta = flagOr(store->value(sSoftUpSettingsCheckForBetaKey), false);
+    record->updateInterval = store->value(sSoftUpSettingsIntervalKey).toInt();
+    record->serverURL = store->value(sSoftUpSettingsUpdateServerURLKey).toString();
+    record->versionNumber = storedVersion(store->value(sSoftUpSettingsVersionNumberKey));
+    record->product = store->value(sSoftUpSettingsProductKey).toString();
+    record->lastCheck = store->value(sSoftUpLastCheckKey).toDateTime();
+    record->supportedPlatforms = storedList(store->value(sSoftUpSupportedPlatformsKey));
+    record->supportedPackageTypes = storedList(store->value(sSoftUpSupportedPackageTypeKey));
+    record->installablePackageTypes = storedList(store->value(sSoftUpInstallablePackageTypeKey));
+    record->currentCameraVersions = storedCameras(store->value(sSoftUpCurrentCameraVersionsKey));
+}
+
+void SoftwareUpdateClient::setCurrentSettings(const SoftwareUpdateSettings* record)
+{
+    const auto store = openStore();
+    store->setValue(sSoftUpSettingsDoUpdateCheckKey, record->doUpdateCheck);
+    store->setValue(sSoftUpSettingsCheckForBetaKey, record->checkForBeta);
+    store->setValue(sSoftUpSettingsIntervalKey, record->updateInterval);
+    writeText(*store, sSoftUpSettingsUpdateServerURLKey, record->serverURL);
+    if (record->versionNumber != VersionNumber()) {
+        store->setValue(sSoftUpSettingsVersionNumberKey,
+                        QString::fromStdString(record->versionNumber.toString()));
+    }
+    writeText(*store, sSoftUpSettingsProductKey, record->product);
+    if (!record->lastCheck.isNull()) {
+        store->setValue(sSoftUpLastCheckKey, record->lastCheck);
+    }
+    writeList(*store, sSoftUpSupportedPlatformsKey, record->supportedPlatforms);
+    writeList(*store, sSoftUpSupportedPackageTypeKey, record->supportedPackageTypes);
+    writeList(*store, sSoftUpInstallablePackageTypeKey, record->installablePackageTypes);
+    writeList(*store, sSoftUpCurrentCameraVersionsKey, cameraItems(record->currentCameraVersions));
+}
+
+} // namespace vx
