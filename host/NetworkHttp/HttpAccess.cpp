@@ -93,7 +93,8 @@ void HttpAccess::setAddress(const QString& host, int hostPort, bool https)
 void HttpAccess::parseAddress(const QString& text, int defaultPort)
 {
     QUrl url = urlFromTyped(text.trimmed());
-    if (url.port() == -1 && !isHttps(url)) {
+    // Setting the port of an invalid URL would make it valid.
+    if (url.isValid() && url.port() == -1 && !isHttps(url)) {
         url.setPort(defaultPort);
     }
     setUrl(url);

@@ -15,22 +15,28 @@ constexpr QLatin1String userKey("user");
 constexpr QLatin1String passwordKey("password");
 constexpr QLatin1String preferenceKey("proxy-preference");
 
+/** The number of @p key or 0. By way of the text, as QVariant::toInt wraps large numbers around. */
+int numberOf(const QSettings& settings, const QString& key)
+{
+    return settings.value(key).toString().toInt();
+}
+
 HttpAccess loadAccess(const QSettings& settings, QLatin1String keys)
 {
     HttpAccess access;
-    access.setAddress(settings.value(QString(keys + addressKey)).toString(),
-                      settings.value(QString(keys + portKey)).toInt(),
-                      settings.value(QString(keys + secureKey)).toBool());
+    access.setAddress(settings.value(keys + addressKey).toString(),
+                      numberOf(settings, keys + portKey),
+                      settings.value(keys + secureKey).toBool());
     if (!access.address.isEmpty()) {
-        access.user = settings.value(QString(keys + userKey)).toString();
-        access.password = settings.value(QString(keys + passwordKey)).toString();
+        access.user = settings.value(keys + userKey).toString();
+        access.password = settings.value(keys + passwordKey).toString();
     }
     return access;
 }
 
 HttpHost::ProxyPreference loadPreference(const QSettings& settings)
 {
-    switch (settings.value(preferenceKey).toInt()) {
+    switch (numberOf(settings, preferenceKey)) {
     case HttpHost::OwnProxy:
         return HttpHost::OwnProxy;
     case HttpHost::GlobalProxy:
@@ -43,13 +49,13 @@ HttpHost::ProxyPreference loadPreference(const QSettings& settings)
 void storeAccess(QSettings& settings, QLatin1String keys, const HttpAccess& access,
                  bool withPassword)
 {
-    settings.setValue(QString(keys + addressKey), access.address);
-    settings.setValue(QString(keys + portKey), access.port);
-    settings.setValue(QString(keys + userKey), access.user);
+    settings.setValue(keys + addressKey, access.address);
+    settings.setValue(keys + portKey, access.port);
+    settings.setValue(keys + userKey, access.user);
     if (withPassword) {
-        settings.setValue(QString(keys + passwordKey), access.password);
+        settings.setValue(keys + passwordKey, access.password);
     } else {
-        settings.remove(QString(keys + passwordKey));
+        settings.remove(keys + passwordKey);
     }
 }
 
@@ -65,7 +71,7 @@ void HttpHost::load(const QSettings& settings)
 void HttpHost::store(QSettings& settings, bool withPasswords) const
 {
     storeAccess(settings, serverKeys, server, withPasswords);
-    settings.setValue(QString(serverKeys + secureKey), server.secure);
+    settings.setValue(serverKeys + secureKey, server.secure);
     settings.setValue(preferenceKey, static_cast<int>(proxyPreference));
     storeAccess(settings, proxyKeys, proxy, withPasswords);
 }
