@@ -1,23 +1,68 @@
 #include "host/FileFormatsZip/Unzipper.h"
 
+#include <QCoreApplication>
 #include <QFile>
+
+#include <utility>
+
+#include "host/FileFormatsZip/ArchiveFile.h"
+#include "host/FileFormatsZip/ArchiveIndex.h"
+#include "host/FileFormatsZip/BackgroundTask.h"
+#include "host/FileFormatsZip/Extraction.h"
+#include "host/FileFormatsZip/ExtractionPlan.h"
+#include "host/FileFormatsZip/Failure.h"
 
 namespace vx {
 
 class Unzipper::Private
 {
 public:
+    void unpack();
+
     QString zipFile;
+    QString targetFolder;
+    bool flat = false;
+    bool isStarted = false;
+    ExtractionState state;
+    /** The last member, so that its thread has ended before the others go. */
+    BackgroundTask task;
 };
 
-Unzipper::Unzipper(const QString& zipFile, const QString&, bool)
+/** Runs on the task's thread. */
+void Unzipper::Private::unpack()
+{
+    const ArchiveFile archive(zipFile);
+    const ArchiveIndex index = readArchiveIndex(archive, state.canceled);
+    if (!state.canceled) {
+        Extraction extraction(archive, ExtractionPlan(index, flat), targetFolder, state);
+        if (extraction.run()) {
+            return;
+        }
+        extraction.removeMade();
+    }
+    fail(QStringLiteral("Unpacking was cancelled."));
+}
+
+Unzipper::Unzipper(const QString& zipFile, const QString& targetFolder, bool flat)
     : d(std::make_unique<Private>())
 {
     d->zipFile = zipFile;
+    d->targetFolder = targetFolder;
+    d->flat = flat;
+    if (QCoreApplication* const application = QCoreApplication::instance()) {
+        // Direct, for whichever thread the job belongs to: the end of the application waits for it.
+        // Not every application leaves its event loop by quit(), so that its destruction counts
+        // too.
+        connect(application, SIGNAL(aboutToQuit()), this, SLOT(stop()), Qt::DirectConnection);
+        connect(application, SIGNAL(destroyed()), this, SLOT(stop()), Qt::DirectConnection);
+    }
     QMetaObject::invokeMethod(this, "start", Qt::QueuedConnection);
 }
 
-Unzipper::~Unzipper() = default;
+Unzipper::~Unzipper()
+{
+    d->state.canceled = true;
+}
 
 bool Unzipper::removeZipFile()
 {
@@ -26,14 +71,28 @@ bool Unzipper::removeZipFile()
 
 void Unzipper::start()
 {
-    report();
+    d->isStarted = true;
+    d->task.start([this] { d->unpack(); },
+                  [this] { QMetaObject::invokeMethod(this, "report", Qt::QueuedConnection); });
 }
 
 void Unzipper::report()
 {
-    emit unzippingFailed(QStringLiteral("The archive is not readable."));
+    // A receiver may destroy this object: nothing may follow the signal.
+    const QString reason = d->task.failure();
+    if (reason.isEmpty()) {
+        emit unzippingDone(QString(d->targetFolder));
+    } else {
+        emit unzippingFailed(reason);
+    }
 }
 
-void Unzipper::stop() {}
+void Unzipper::stop()
+{
+    d->state.canceled = true;
+    if (d->isStarted) {
+        d->task.wait();
+    }
+}
 
 } // namespace vx

@@ -12,7 +12,8 @@ constexpr int steps = 1000;
 
 int stepOf(qint64 done, qint64 total)
 {
-    return total > 0 ? static_cast<int>(static_cast<double>(done) / total * (steps - 1)) : 0;
+    const double share = total > 0 ? static_cast<double>(done) / static_cast<double>(total) : 0;
+    return static_cast<int>(share * (steps - 1));
 }
 
 } // namespace
@@ -30,6 +31,7 @@ void ZipDevice::attachProgressDialog(QProgressDialog* dialog)
         disconnect(m_dialog, SIGNAL(canceled()), this, SLOT(noteCancel()));
     }
     m_dialog = dialog;
+    m_canceled = false;
     if (m_dialog) {
         connect(m_dialog, SIGNAL(canceled()), this, SLOT(noteCancel()));
     }
@@ -37,7 +39,6 @@ void ZipDevice::attachProgressDialog(QProgressDialog* dialog)
 
 void ZipDevice::beginProgress()
 {
-    m_canceled = false;
     if (m_dialog) {
         m_dialog->setRange(0, steps);
         m_dialog->setValue(0);

@@ -38,10 +38,7 @@ public:
      */
     void attachProgressDialog(QProgressDialog* dialog);
 
-    /**
-     * Whether the user cancelled the dialog since the last piece of work began. It stays true after
-     * the dialog is gone, and becomes false when the next piece of work begins.
-     */
+    /** Whether the user has cancelled the dialog since it was attached, even if it is gone now. */
     bool wasCanceled() const { return m_canceled; }
 
 protected:
@@ -50,7 +47,7 @@ protected:
     /** Whether there is a dialog to drive. */
     bool hasProgressDialog() const { return !m_dialog.isNull(); }
 
-    /** Forgets an earlier cancel and sets the dialog to its beginning. */
+    /** Sets the dialog's range, and its value to the beginning. */
     void beginProgress();
 
     /**

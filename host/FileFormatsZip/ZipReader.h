@@ -10,6 +10,9 @@
 
 namespace vx {
 
+class BackgroundTask;
+struct ExtractionState;
+
 /**
  * Reads a ZIP archive, synchronously: every operation returns when it is done.
  *
@@ -78,6 +81,8 @@ public:
     void extractFiles(const QStringList& names, const QString& targetFolder, bool flat);
 
 private:
+    void watch(BackgroundTask& task, ExtractionState& state);
+
     class Private;
     std::unique_ptr<Private> d;
 };

@@ -1,0 +1,107 @@
+#include "host/FileFormatsZip/ArchiveIndex.h"
+
+#include <archive_entry.h>
+
+#include <algorithm>
+
+#include "host/FileFormatsZip/ArchiveStream.h"
+#include "host/FileFormatsZip/CentralDirectory.h"
+#include "host/FileFormatsZip/Checksum.h"
+#include "host/FileFormatsZip/EntryName.h"
+#include "host/FileFormatsZip/Failure.h"
+
+namespace vx {
+
+namespace {
+
+const DirectoryRecord& recordOf(const CentralDirectory& directory, archive_entry* entry)
+{
+    const char* name = archive_entry_pathname(entry);
+    const DirectoryRecord* record = name != nullptr ? directory.find(decodeName(name)) : nullptr;
+    if (record == nullptr) {
+        failAsDamaged(QStringLiteral("its directory and its entries disagree about names"));
+    }
+    return *record;
+}
+
+ArchiveEntry::Kind kindOf(archive_entry* entry, const DirectoryRecord& record)
+{
+    if (record.isSpecial || archive_entry_hardlink(entry) != nullptr) {
+        return ArchiveEntry::Special;
+    }
+    switch (archive_entry_filetype(entry)) {
+    case AE_IFREG:
+        return ArchiveEntry::File;
+    case AE_IFDIR:
+        return ArchiveEntry::Folder;
+    case AE_IFLNK:
+        return ArchiveEntry::Link;
+    default:
+        return ArchiveEntry::Special;
+    }
+}
+
+bool isAscii(const QByteArray& bytes)
+{
+    return std::all_of(bytes.begin(), bytes.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+QString linkTargetOf(archive_entry* entry, const DirectoryRecord& record)
+{
+    const QByteArray target = archive_entry_symlink(entry);
+    // libarchive leaves the checksum of link targets alone. It may have composed other characters
+    // than ASCII anew, so that only an ASCII target is sure to be what the checksum was made of.
+    const bool isReadable = archive_entry_is_encrypted(entry) == 0 && isAscii(target);
+    if (isReadable && crc32(target) != record.crc32) {
+        refuse(record.name, QStringLiteral("is damaged: its checksum is wrong"));
+    }
+    return decodeName(target);
+}
+
+ArchiveEntry readEntry(const ArchiveStream& stream, const CentralDirectory& directory)
+{
+    archive_entry* const raw = stream.entry();
+    const DirectoryRecord& record = recordOf(directory, raw);
+    ArchiveEntry entry;
+    entry.name = record.name;
+    entry.kind = kindOf(raw, record);
+    entry.size = archive_entry_size(raw);
+    entry.mode = archive_entry_perm(raw) & 0777U;
+    entry.modified.tv_sec = archive_entry_mtime(raw);
+    entry.modified.tv_nsec = archive_entry_mtime_nsec(raw);
+    entry.isEncrypted = archive_entry_is_encrypted(raw) != 0;
+    entry.isMethodSupported = stream.isMethodSupported();
+    if (entry.kind == ArchiveEntry::Link) {
+        entry.linkTarget = linkTargetOf(raw, record);
+    }
+    if (entry.kind == ArchiveEntry::Folder && !entry.name.endsWith(QLatin1Char('/'))) {
+        entry.name += QLatin1Char('/');
+    }
+    return entry;
+}
+
+} // namespace
+
+ArchiveIndex readArchiveIndex(const ArchiveFile& file, const std::atomic<bool>& canceled)
+{
+    const CentralDirectory directory(file);
+    ArchiveIndex index;
+    index.reserve(static_cast<size_t>(directory.count()));
+    // libarchive calls an archive without entries damaged.
+    if (directory.count() == 0) {
+        return index;
+    }
+    ArchiveStream stream(file, ArchiveStream::Reading::Headers);
+    while (!canceled && stream.next()) {
+        ArchiveEntry entry = readEntry(stream, directory);
+        entry.position = static_cast<int>(index.size());
+        index.push_back(entry);
+    }
+    if (!canceled && index.size() != static_cast<size_t>(directory.count())) {
+        failAsDamaged(QStringLiteral("its directory and its entries disagree about their number"));
+    }
+    return index;
+}
+
+} // namespace vx

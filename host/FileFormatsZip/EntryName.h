@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+namespace vx {
+
+/**
+ * The text of a name as it stands in an archive: UTF-8 if it is valid UTF-8, else code page 437.
+ * The archive's own flag for UTF-8 is not asked, for many writers store UTF-8 without setting it.
+ */
+QString decodeName(const QByteArray& raw);
+
+/**
+ * The form under which two spellings of a name are the same entry: Unicode composition, the two
+ * slashes and a slash at the end make no difference.
+ */
+QString nameKey(const QString& name);
+
+/**
+ * What makes a path unfit as a name and as the target of a link, as "has a name with a backslash";
+ * empty if nothing does. Flaws are an empty or absolute path, a drive letter, a backslash, a
+ * control character, and more characters than file systems take.
+ */
+QString pathFlaw(const QString& path);
+
+/** The same for the name of an entry, where ".." is a flaw as well. */
+QString nameFlaw(const QString& name);
+
+/** The parts of a name, without empty ones and ".". */
+QStringList nameParts(const QString& name);
+
+} // namespace vx

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <exception>
+#include <mutex>
+#include <utility>
+
+namespace vx {
+
+class ArchiveFile;
+class ArchiveStream;
+class ExtractionPlan;
+class FolderCursor;
+class TargetFolder;
+struct ExtractionState;
+struct PlannedFile;
+
+/**
+ * Writes the files of a plan with as many threads as pay. Each thread walks through the archive
+ * with a stream of its own and takes the next share of the files whenever it has done with one, so
+ * that all end at about the same time.
+ */
+class FileWriters
+{
+public:
+    /** The references must outlive the object. The folders of @p plan must exist. */
+    FileWriters(const ArchiveFile& archive, ExtractionPlan& plan, const TargetFolder& target,
+                ExtractionState& state);
+
+    /**
+     * Returns when everything is written or the job was cancelled. Throws the first failure of any
+     * of the threads. Files that were begun are marked as made.
+     */
+    void run();
+
+private:
+    /** Files from the first up to, but without, the last. */
+    using Share = std::pair<size_t, size_t>;
+
+    size_t threadCount() const;
+    void work() noexcept;
+    void writeShares();
+    Share takeShare();
+    bool moveTo(ArchiveStream& stream, int position) const;
+    void writeFile(ArchiveStream& stream, FolderCursor& folders, PlannedFile& file);
+    bool isStopped() const;
+
+    const ArchiveFile& m_archive;
+    ExtractionPlan& m_plan;
+    const TargetFolder& m_target;
+    ExtractionState& m_state;
+
+    std::mutex m_mutex; ///< guards the two members that follow
+    size_t m_next = 0;
+    std::exception_ptr m_failure;
+    std::atomic<bool> m_failed{false};
+};
+
+} // namespace vx
