@@ -10,9 +10,7 @@ QIODevice* ownBuffer()
 void ResultReceiver::queryResult(RequestPtr request)
 {
     results.append(request);
-    if (whenCalled) {
-        whenCalled();
-    }
+    noteSignal();
 }
 
 void ResultReceiver::queryDone()
@@ -23,6 +21,13 @@ void ResultReceiver::queryDone()
 void ResultReceiver::takesSomethingElse(int)
 {
     results.append(RequestPtr());
+}
+
+void ResultReceiver::noteSignal()
+{
+    if (whenCalled) {
+        whenCalled();
+    }
 }
 
 } // namespace vx::test

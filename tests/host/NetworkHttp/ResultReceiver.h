@@ -22,13 +22,14 @@ public:
     /** What has ended so far, in order. */
     QList<RequestPtr> results;
 
-    /** Called within the slot, if set. */
+    /** Called within queryResult and noteSignal, if set. */
     std::function<void()> whenCalled;
 
 protected slots:
     void queryResult(RequestPtr request);
     void queryDone();
     void takesSomethingElse(int);
+    void noteSignal();
 };
 
 } // namespace vx::test

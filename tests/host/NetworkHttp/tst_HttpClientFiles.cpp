@@ -1,0 +1,146 @@
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <memory>
+
+#include "host/NetworkHttp/HttpClient.h"
+#include "tests/host/NetworkHttp/Daemon.h"
+#include "tests/host/NetworkHttp/ResultReceiver.h"
+#include "tests/support/TestMain.h"
+
+#ifdef __SANITIZE_ADDRESS__
+// Freed memory that the sanitizer sets aside would be taken for memory of ours.
+extern "C" const char* __asan_default_options();
+extern "C" const char* __asan_default_options()
+{
+    return "quarantine_size_mb=1:thread_local_quarantine_size_kb=64";
+}
+#endif
+
+using namespace vx::test;
+
+namespace {
+
+/** Memory of this process in bytes that is in use now. */
+qint64 memoryInUse()
+{
+    QFile status("/proc/self/status");
+    status.open(QIODevice::ReadOnly);
+    for (const QByteArray& line : status.readAll().split('\n')) {
+        if (line.startsWith("VmRSS:")) {
+            return line.mid(6).trimmed().split(' ').first().toLongLong() * 1024;
+        }
+    }
+    return -1;
+}
+
+} // namespace
+
+/** Files from a real web server to the disk. */
+class TestHttpClientFiles : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void downloadsAFile_data();
+    void downloadsAFile();
+    void downloadsWithoutCompression();
+    void needsNoMemoryForALargeFile();
+    void findsNoMissingFile();
+
+private:
+    RequestPtr download(const QString& name, QFile* file);
+
+    Nginx m_nginx;
+    std::unique_ptr<HttpClient> m_client;
+    QTemporaryDir m_folder;
+};
+
+void TestHttpClientFiles::initTestCase()
+{
+    QVERIFY2(m_nginx.start(), m_nginx.output().constData());
+    const vx::HttpAccess server("127.0.0.1", m_nginx.port(), "", "");
+    m_client = std::make_unique<HttpClient>(vx::HttpHost(server, vx::HttpAccess(), ""));
+}
+
+RequestPtr TestHttpClientFiles::download(const QString& name, QFile* file)
+{
+    ResultReceiver receiver;
+    const RequestPtr request = m_client->get(HttpClient::encodedUrlPath("/" + name), &receiver,
+                                             SLOT(queryResult(RequestPtr)), file);
+    if (!QTest::qWaitFor([&] { return !receiver.results.isEmpty(); }, 60000)) {
+        m_client->reset();
+    }
+    file->close();
+    return request;
+}
+
+void TestHttpClientFiles::downloadsAFile_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<qint64>("size");
+    QTest::newRow("small") << "small.zip" << 10LL;
+    QTest::newRow("larger than any buffer") << "large.zip" << 5000001LL;
+    QTest::newRow("name with blank") << "with blank.zip" << 1000LL;
+    QTest::newRow("name with umlaut") << QString::fromUtf8("\xc3\xbc.zip") << 1000LL;
+    QTest::newRow("name with percent") << "100%25.zip" << 1000LL;
+}
+
+void TestHttpClientFiles::downloadsAFile()
+{
+    QFETCH(QString, name);
+    QFETCH(qint64, size);
+    QVERIFY(m_nginx.addFile(QString(name).replace("%25", "%"), size, "mark"));
+    QFile file(m_folder.filePath("file"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(download(name, &file)->statusCode, 200);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray bytes = file.readAll();
+    QCOMPARE(qint64(bytes.size()), size);
+    QVERIFY(bytes.startsWith("mark") && bytes.endsWith("mark"));
+}
+
+void TestHttpClientFiles::downloadsWithoutCompression()
+{
+    QVERIFY(m_nginx.addFile("zeros.txt", 100000, "mark"));
+    QFile file(m_folder.filePath("file"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    const RequestPtr request = download("zeros.txt", &file);
+    QVERIFY(!request->responseHeader.hasKey("Content-Encoding"));
+    QCOMPARE(request->responseHeader.value("content-length"), QString("100000"));
+    QCOMPARE(file.size(), 100000LL);
+}
+
+void TestHttpClientFiles::needsNoMemoryForALargeFile()
+{
+    constexpr qint64 size = 200 << 20;
+    QVERIFY(m_nginx.addFile("warm-up", 1 << 20, "mark"));
+    QVERIFY(m_nginx.addFile("huge", size, "mark"));
+    QFile file(m_folder.filePath("file"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    download("warm-up", &file);
+    const qint64 idle = memoryInUse();
+    QVERIFY(idle > 0);
+    qint64 most = 0;
+    connect(m_client.get(), &HttpClient::downloadProgress, &file,
+            [&most] { most = qMax(most, memoryInUse()); });
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(download("huge", &file)->statusCode, 200);
+    QCOMPARE(file.size(), size);
+    QVERIFY(most > 0);
+    QVERIFY2(most - idle < 16 << 20, qPrintable(QString("%1 bytes more").arg(most - idle)));
+}
+
+void TestHttpClientFiles::findsNoMissingFile()
+{
+    QFile file(m_folder.filePath("missing"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    const RequestPtr request = download("missing", &file);
+    QCOMPARE(request->statusCode, 404);
+    QVERIFY2(file.size() > 0, "the error page is an answer like any other");
+}
+
+VX_TEST_MAIN(TestHttpClientFiles)
+#include "tst_HttpClientFiles.moc"
