@@ -144,7 +144,7 @@ void TestHttpClientProxy::logsIn_data()
                               << "" << true << 407;
     // tinyproxy refuses a wrong password by 401, other than a missing one.
     QTest::newRow("wrong password") << 1 << "clerk:wrong"
-                                    << "clerk:secret" << true << 407;
+                                    << "clerk:secret" << true << 401;
     QTest::newRow("wrong global password") << 2 << ""
                                            << "clerk:wrong" << true << 401;
 }
