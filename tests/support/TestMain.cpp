@@ -11,6 +11,7 @@ namespace {
 void setFolder(const char* variable, const QString& folder)
 {
     QDir().mkpath(folder);
+    QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     qputenv(variable, QFile::encodeName(folder));
 }
 
@@ -23,6 +24,7 @@ int vx::test::runTest(int argc, char** argv, QObject* (*createTest)())
     setFolder("XDG_CONFIG_HOME", surroundings.filePath("config"));
     setFolder("XDG_CACHE_HOME", surroundings.filePath("cache"));
     setFolder("XDG_DATA_HOME", surroundings.filePath("data"));
+    setFolder("XDG_RUNTIME_DIR", surroundings.filePath("runtime"));
     setFolder("TMPDIR", surroundings.filePath("tmp"));
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");

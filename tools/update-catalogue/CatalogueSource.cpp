@@ -3,6 +3,7 @@
 #include <QEventLoop>
 #include <QFile>
 #include <QNetworkAccessManager>
+#include <QNetworkProxy>
 #include <QNetworkReply>
 #include <QScopedPointer>
 #include <QTimer>

@@ -1,10 +1,10 @@
-#include "tools/update-catalogue/Command.h"
+#include "tools/update-catalogue/Commands.h"
 
 namespace vx {
 
 const QList<Command>& allCommands()
 {
-    static const QList<Command> commands{};
+    static const QList<Command> commands{lintCommand};
     return commands;
 }
 

@@ -2,9 +2,18 @@
 #include <QApplication>
 #include <QScopedPointer>
 
+#include "host/Core/Log.h"
 #include "tools/update-catalogue/Command.h"
 
 namespace {
+
+/** The commands say in sentences of their own what the library only notes in its log. */
+void silenceLog()
+{
+    for (const int level : {1, 2, 3}) {
+        vx::Log::instance().setStream(static_cast<vx::Log::ELevel>(level), nullptr);
+    }
+}
 
 QCoreApplication* createApplication(int& argc, char** argv)
 {
@@ -22,6 +31,7 @@ QCoreApplication* createApplication(int& argc, char** argv)
 int main(int argc, char** argv)
 {
     const QScopedPointer<QCoreApplication> application(createApplication(argc, argv));
+    silenceLog();
     vx::Terminal terminal(stdout);
     return vx::runCommandLine(QCoreApplication::arguments(), terminal);
 }

@@ -1,0 +1,241 @@
+#include "tools/update-catalogue/CatalogueTree.h"
+
+#include <QBuffer>
+
+#include "download/DownloadManager.h"
+#include "host/FileFormatsXml/XmlUtils.h"
+#include "tools/update-catalogue/CatalogueVocabulary.h"
+
+namespace vx {
+
+namespace {
+
+QPair<int, int> endOfTag(const QDomNode& node)
+{
+    return {node.lineNumber(), node.columnNumber()};
+}
+
+QList<QDomElement> childElements(const QDomElement& element)
+{
+    QList<QDomElement> children;
+    for (QDomElement child = element.firstChildElement(); !child.isNull();
+         child = child.nextSiblingElement()) {
+        children.append(child);
+    }
+    return children;
+}
+
+int countStartTags(const QDomElement& element)
+{
+    int count = 1;
+    for (const QDomElement& child : childElements(element)) {
+        count += countStartTags(child);
+    }
+    return count;
+}
+
+PackageInfoList readWithLibrary(const QByteArray& bytes)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    return DownloadManager::parseXML(&buffer);
+}
+
+QDomDocument* parseDocument(const QByteArray& bytes)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    return XmlUtils::parseXml(&buffer, nullptr);
+}
+
+} // namespace
+
+QString CataloguePackage::label() const
+{
+    const QString name = info.name.isEmpty() ? info.publicName : info.name;
+    const QString release = info.release.isEmpty() ? info.publicRelease : info.release;
+    return QString("%1 %2").arg(name, release).trimmed();
+}
+
+FieldOrigin CataloguePackage::find(const QString& tag) const
+{
+    for (const CatalogueLevel* level = start; level != nullptr; level = level->parent) {
+        const auto values = level->fields.constFind(tag);
+        if (values != level->fields.constEnd()) {
+            return {level, values->first()};
+        }
+    }
+    return {};
+}
+
+CatalogueTree::CatalogueTree(const CatalogueSource& source)
+    : m_document(parseDocument(source.bytes))
+{
+    const QDomElement root = m_document->documentElement();
+    QVector<TextPosition> positions = startTagPositions(decodeCatalogue(source.bytes));
+    // Entities that hold markup bring elements that stand nowhere in the text.
+    if (positions.size() == countStartTags(root)) {
+        numberElements(root, positions);
+    }
+    readSet(root, nullptr);
+
+    const PackageInfoList infos = readWithLibrary(source.bytes);
+    for (size_t i = 0; i < m_packages.size(); ++i) {
+        m_packages[i].info = infos.value(static_cast<int>(i));
+    }
+}
+
+TextPosition CatalogueTree::positionOf(const QDomElement& element) const
+{
+    const auto known = m_positions.constFind(endOfTag(element));
+    return known == m_positions.constEnd()
+               ? TextPosition{element.lineNumber(), element.columnNumber()}
+               : *known;
+}
+
+void CatalogueTree::numberElements(const QDomElement& root, const QVector<TextPosition>& positions)
+{
+    int next = 0;
+    for (QDomNode node = root; !node.isNull();) {
+        if (node.isElement()) {
+            m_positions.insert(endOfTag(node), positions.at(next++));
+        }
+        QDomNode following = node.firstChild();
+        while (following.isNull() && !node.isNull() && node != root) {
+            following = node.nextSibling();
+            if (following.isNull()) {
+                node = node.parentNode();
+            }
+        }
+        node = following;
+    }
+}
+
+CatalogueLevel* CatalogueTree::addLevel(CatalogueLevel::Kind kind, const QDomElement& element,
+                                        const CatalogueLevel* parent)
+{
+    auto level = std::make_unique<CatalogueLevel>();
+    level->kind = kind;
+    level->element = element;
+    level->position = positionOf(element);
+    level->parent = parent;
+    m_levels.push_back(std::move(level));
+    readFields(*m_levels.back());
+    return m_levels.back().get();
+}
+
+void CatalogueTree::readSet(const QDomElement& element, const CatalogueLevel* parent)
+{
+    CatalogueLevel* set = addLevel(CatalogueLevel::Set, element, parent);
+    const size_t firstPackage = m_packages.size();
+    const QList<QDomElement> children = childElements(element);
+    for (const QDomElement& child : children) {
+        if (child.tagName() == DownloadManager::PACKAGE) {
+            readPackage(child, set);
+        }
+    }
+    for (const QDomElement& child : children) {
+        if (child.tagName() == DownloadManager::PACKAGE_SET) {
+            readSet(child, set);
+        }
+    }
+    set->packageCount = static_cast<int>(m_packages.size() - firstPackage);
+}
+
+void CatalogueTree::readPackage(const QDomElement& element, CatalogueLevel* set)
+{
+    CataloguePackage package;
+    CatalogueLevel* level = addLevel(CatalogueLevel::Package, element, set);
+    level->packageCount = 1;
+    package.package = level;
+    package.start = level;
+    const QDomElement file = element.firstChildElement(DownloadManager::FILE);
+    if (!file.isNull()) {
+        CatalogueLevel* fileLevel = addLevel(CatalogueLevel::File, file, level);
+        fileLevel->packageCount = 1;
+        package.start = fileLevel;
+    }
+    m_packages.push_back(package);
+}
+
+void CatalogueTree::readFields(CatalogueLevel& level)
+{
+    for (const QDomElement& child : childElements(level.element)) {
+        readChild(level, child);
+    }
+    readAttributes(level);
+}
+
+void CatalogueTree::readChild(CatalogueLevel& level, const QDomElement& child)
+{
+    const QString name = child.tagName();
+    if (isField(name)) {
+        level.fields[name].append({child.text(), false, positionOf(child), child});
+        if (urlFields().contains(name)) {
+            readUrlEntry(child);
+        }
+    } else if (name == DownloadManager::PACKAGE || name == DownloadManager::PACKAGE_SET) {
+        if (level.kind != CatalogueLevel::Set) {
+            noteStray(StrayMarkup::Unvisited, child, name);
+        }
+    } else if (name == DownloadManager::FILE && level.kind == CatalogueLevel::Package) {
+        if (child != level.element.firstChildElement(DownloadManager::FILE)) {
+            noteStray(StrayMarkup::FurtherFile, child, name);
+        }
+    } else {
+        noteStray(StrayMarkup::UnknownElement, child, name);
+    }
+}
+
+void CatalogueTree::readAttributes(CatalogueLevel& level)
+{
+    const QDomNamedNodeMap attributes = level.element.attributes();
+    for (int i = 0; i < attributes.count(); ++i) {
+        const QDomAttr attribute = attributes.item(i).toAttr();
+        if (isField(attribute.name())) {
+            level.fields[attribute.name()].append(
+                {attribute.value(), true, level.position, QDomElement()});
+        } else if (!attribute.name().startsWith("xml")) {
+            noteStray(StrayMarkup::UnknownAttribute, level.element, attribute.name());
+        }
+    }
+}
+
+void CatalogueTree::noteStray(StrayMarkup::Kind kind, const QDomElement& element,
+                              const QString& name)
+{
+    const QDomElement parent =
+        kind == StrayMarkup::UnknownAttribute ? element : element.parentNode().toElement();
+    m_strays.append({kind, name, parent.tagName(), positionOf(element)});
+    if (kind != StrayMarkup::UnknownElement) {
+        return;
+    }
+    // Packages below an element that nobody knows are lost with it.
+    for (const QDomElement& child : childElements(element)) {
+        if (child.tagName() == DownloadManager::PACKAGE ||
+            child.tagName() == DownloadManager::PACKAGE_SET) {
+            noteStray(StrayMarkup::Unvisited, child, child.tagName());
+        }
+    }
+}
+
+void CatalogueTree::readUrlEntry(const QDomElement& element)
+{
+    const QStringList known{DownloadManager::LANGUAGE, DownloadManager::URL};
+    for (const QDomElement& child : childElements(element)) {
+        if (!known.contains(child.tagName())) {
+            noteStray(StrayMarkup::UnknownElement, child, child.tagName());
+        }
+    }
+    const QDomNamedNodeMap attributes = element.attributes();
+    for (int i = 0; i < attributes.count(); ++i) {
+        const QString name = attributes.item(i).toAttr().name();
+        if (!known.contains(name) && !name.startsWith("xml")) {
+            noteStray(StrayMarkup::UnknownAttribute, element, name);
+        }
+    }
+}
+
+} // namespace vx

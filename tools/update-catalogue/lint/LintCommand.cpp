@@ -1,0 +1,144 @@
+#include <QCommandLineParser>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QRegularExpression>
+
+#include <algorithm>
+
+#include "tools/update-catalogue/Commands.h"
+#include "tools/update-catalogue/lint/Linter.h"
+
+namespace vx {
+
+namespace {
+
+void declare(QCommandLineParser& parser)
+{
+    parser.addPositionalArgument("catalogue", "A file, a URL, or - for standard input.");
+    parser.addOption({"rule", "Apply only this rule; may be repeated.", "NAME"});
+    parser.addOption({"no-rule", "Leave this rule out; may be repeated.", "NAME"});
+    parser.addOption({"list", "List the rules."});
+    parser.addOption({"files", "Compare sizes with the files in this folder.", "DIR"});
+    parser.addOption({"check-urls", "Compare sizes with what the servers say."});
+    parser.addOption({"platforms", "The application's platforms.", "WORDS", "Mac32 Mac64 MacPP"});
+    parser.addOption({"types", "The file types that the application lists.", "WORDS", "mpkg dmg"});
+    parser.addOption({"installable", "The file types that it installs.", "WORDS", "mpkg"});
+}
+
+QStringList words(const QString& text)
+{
+    return text.split(QRegularExpression("[\\s,;]+"), Qt::SkipEmptyParts);
+}
+
+QStringList ruleNames(const QCommandLineParser& parser, const QString& option)
+{
+    const QStringList names = parser.values(option);
+    for (const QString& name : names) {
+        const bool known = std::any_of(allRules().begin(), allRules().end(),
+                                       [&name](const Rule& rule) { return rule.name == name; });
+        if (!known) {
+            throw CommandFailure(ExitUsage, QString("no rule \"%1\". Try --list").arg(name));
+        }
+    }
+    return names;
+}
+
+LintOptions optionsFrom(const QCommandLineParser& parser)
+{
+    LintOptions options;
+    options.rules = ruleNames(parser, "rule");
+    options.withoutRules = ruleNames(parser, "no-rule");
+    options.files = parser.value("files");
+    options.checkUrls = parser.isSet("check-urls");
+    options.platforms = words(parser.value("platforms"));
+    options.listedTypes = words(parser.value("types"));
+    options.installableTypes = words(parser.value("installable"));
+    return options;
+}
+
+void printRules(Terminal& terminal)
+{
+    for (const Rule& rule : allRules()) {
+        terminal.line(QString("%1 %2 %3")
+                          .arg(rule.name, -20)
+                          .arg(severityName(rule.severity), -8)
+                          .arg(rule.description));
+    }
+}
+
+Terminal::Colour colourOf(Severity severity)
+{
+    switch (severity) {
+    case Severity::Error:
+        return Terminal::Red;
+    case Severity::Warning:
+        return Terminal::Yellow;
+    case Severity::Note:
+        break;
+    }
+    return Terminal::Cyan;
+}
+
+QString place(const QString& name, const Finding& finding)
+{
+    return QString("%1:%2:%3").arg(name).arg(finding.position.line).arg(finding.position.column);
+}
+
+void print(const QString& name, const FindingList& findings, Terminal& terminal)
+{
+    for (const Finding& finding : findings) {
+        const QString subject =
+            finding.package.isEmpty() ? QString() : QString("\"%1\": ").arg(finding.package);
+        terminal.line(
+            QString("%1: %2: %3%4 [%5]")
+                .arg(terminal.coloured(place(name, finding), Terminal::Bold),
+                     terminal.coloured(severityName(finding.severity), colourOf(finding.severity)),
+                     subject, finding.sentence, finding.rule));
+    }
+    terminal.line(findings.isEmpty() ? QString("No findings.")
+                                     : QString("%1 findings.").arg(findings.size()));
+}
+
+QJsonDocument toJson(const QString& name, const FindingList& findings)
+{
+    QJsonArray list;
+    for (const Finding& finding : findings) {
+        list.append(QJsonObject{{"line", finding.position.line},
+                                {"column", finding.position.column},
+                                {"severity", severityName(finding.severity)},
+                                {"rule", finding.rule},
+                                {"package", finding.package},
+                                {"message", finding.sentence}});
+    }
+    return QJsonDocument(QJsonObject{{"catalogue", name}, {"findings", list}});
+}
+
+ExitCode run(const QCommandLineParser& parser, Terminal& terminal)
+{
+    if (parser.isSet("list")) {
+        printRules(terminal);
+        return ExitFine;
+    }
+    if (parser.positionalArguments().size() != 1) {
+        throw CommandFailure(ExitUsage, "lint takes one catalogue");
+    }
+    const CatalogueSource source = readCatalogue(parser.positionalArguments().first());
+    const FindingList findings = lintCatalogue(source, optionsFrom(parser));
+    if (parser.isSet("json")) {
+        terminal.json(toJson(source.name, findings));
+    } else {
+        print(source.name, findings, terminal);
+    }
+    return findings.isEmpty() ? ExitFine : ExitFindings;
+}
+
+} // namespace
+
+const Command lintCommand{"lint",
+                          "Finds what users of a catalogue will stumble over.",
+                          "update-catalogue lint examples/camera_manager/catalogue.xml",
+                          false,
+                          declare,
+                          run};
+
+} // namespace vx
