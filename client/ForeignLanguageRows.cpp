@@ -1,7 +1,8 @@
-#include "client/SoftwareUpdateClient.h"
+#include "client/ForeignLanguageRows.h"
 
 #include <QLocale>
 
+#include "client/SoftwareUpdateClient.h"
 #include "client/SoftwareUpdateConstants.h"
 
 namespace vx {
@@ -20,9 +21,8 @@ bool suits(const QStringSet& languages, const QString& systemLanguage)
 
 } // namespace
 
-QList<int> SoftwareUpdateClient::determineForeignLanguageRows(const PackageInfoList& list)
+QList<int> foreignLanguageRows(const PackageInfoList& list, const QString& systemLanguage)
 {
-    const QString systemLanguage = QLocale::system().name().section(QLatin1Char('_'), 0, 0);
     QList<int> foreignRows;
     bool ownLanguageFound = false;
     for (int row = 0; row < list.size(); ++row) {
@@ -37,6 +37,11 @@ QList<int> SoftwareUpdateClient::determineForeignLanguageRows(const PackageInfoL
     }
     // Where nothing suits the user, hiding would leave nothing to choose from.
     return ownLanguageFound ? foreignRows : QList<int>();
+}
+
+QList<int> SoftwareUpdateClient::determineForeignLanguageRows(const PackageInfoList& list)
+{
+    return foreignLanguageRows(list, QLocale::system().name().section(QLatin1Char('_'), 0, 0));
 }
 
 } // namespace vx

@@ -1,0 +1,61 @@
+#include "client/OfferSelection.h"
+
+#include "client/SoftwareUpdateConstants.h"
+#include "download/DownloadManager.h"
+
+namespace vx {
+
+namespace {
+
+QString textOf(const VersionNumber& version)
+{
+    return QString::fromStdString(version.toString());
+}
+
+// With beta versions wanted no status is required, which lets stable ones pass as well.
+QString requiredStatus(const OfferCriteria& criteria)
+{
+    return criteria.checkForBeta ? QString() : QStringLiteral("STABLE");
+}
+
+PackageInfoList findCameraCandidates(PackageInfoList& catalogue, const OfferCriteria& criteria)
+{
+    PackageInfoList candidates;
+    for (const auto& camera : criteria.currentCameraVersions) {
+        candidates += DownloadManager::findPackageCandidates(
+            catalogue, cameraFilter(camera, criteria), sSoftUpCameraUpdateTag, QStringList());
+    }
+    DownloadManager::eliminateDuplicatePackages(candidates);
+    return candidates;
+}
+
+} // namespace
+
+PackageInfo applicationFilter(const OfferCriteria& criteria)
+{
+    const QStringSet platforms(criteria.supportedPlatforms.begin(),
+                               criteria.supportedPlatforms.end());
+    return PackageInfo(QString(), criteria.applicationName, textOf(criteria.versionNumber),
+                       requiredStatus(criteria), QDateTime(), platforms, QStringSet(), QString(),
+                       QString());
+}
+
+PackageInfo cameraFilter(const QPair<QString, VersionNumber>& camera, const OfferCriteria& criteria)
+{
+    return PackageInfo(QString(), QString(), textOf(camera.second), requiredStatus(criteria),
+                       QDateTime(), QStringSet{camera.first}, QStringSet(), QString(), QString());
+}
+
+PackageInfoList selectOffers(PackageInfoList& catalogue, const OfferCriteria& criteria)
+{
+    // The order matters: each search writes its tag into the catalogue's records, and duplicates
+    // are removed among the cameras only.
+    const PackageInfoList cameras = findCameraCandidates(catalogue, criteria);
+    PackageInfoList offers = DownloadManager::findPackageCandidates(
+        catalogue, applicationFilter(criteria), sSoftUpApplicationUpdateTag,
+        criteria.supportedPackageTypes);
+    offers += cameras;
+    return offers;
+}
+
+} // namespace vx
