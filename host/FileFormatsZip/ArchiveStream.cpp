@@ -21,8 +21,10 @@ namespace {
     if (archive_errno(reader) == ENOMEM) {
         throw std::bad_alloc();
     }
-    const char* text = archive_error_string(reader);
-    failAsDamaged(text != nullptr ? QString::fromLatin1(text) : QStringLiteral("unknown error"));
+    const char* const text = archive_error_string(reader);
+    // Some of the texts end in a line feed.
+    failAsDamaged(text != nullptr ? QString::fromLatin1(text).trimmed()
+                                  : QStringLiteral("it is not readable"));
 }
 
 } // namespace

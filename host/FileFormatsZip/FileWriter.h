@@ -21,8 +21,8 @@ public:
     FileWriter(const FileDescriptor& folder, PlannedFile& file);
 
     /**
-     * Appends @p size bytes. Throws IOException if they can't be written or are more than the
-     * archive declares for the file.
+     * Appends @p size bytes; a piece of nothing but zeros becomes a hole. Throws IOException if
+     * they can't be written or are more than the archive declares for the file.
      */
     void write(const char* data, size_t size);
 
@@ -30,9 +30,12 @@ public:
     void finish();
 
 private:
+    void leaveHole(size_t size);
+
     const PlannedFile& m_file;
     FileDescriptor m_descriptor;
     qint64 m_written = 0;
+    bool m_endsInHole = false;
 };
 
 } // namespace vx

@@ -11,6 +11,7 @@
 #include "host/FileFormatsZip/FileWriter.h"
 #include "host/FileFormatsZip/FolderCursor.h"
 #include "host/FileFormatsZip/Utf8Locale.h"
+#include "host/FileFormatsZip/WriteBehind.h"
 
 namespace vx {
 
@@ -24,6 +25,9 @@ constexpr qint64 costPerShare = 1024 * 1024;
 
 // Below this much work for each, threads cost more than they save.
 constexpr qint64 costPerThread = 4 * 1024 * 1024;
+
+// Below this size a thread that only writes costs more than it saves.
+constexpr qint64 sizeWorthOverlap = 4 * 1024 * 1024;
 
 // More would only wait for the disk.
 constexpr size_t mostThreads = 4;
@@ -130,16 +134,32 @@ void FileWriters::writeFile(ArchiveStream& stream, FolderCursor& folders, Planne
         return;
     }
     FileWriter writer(folders.require(file.folder), file);
+    if (file.size >= sizeWorthOverlap) {
+        WriteBehind behind(writer);
+        if (!copyContent(stream, behind)) {
+            return;
+        }
+        behind.finish();
+    } else if (!copyContent(stream, writer)) {
+        return;
+    }
+    writer.finish();
+}
+
+/** Gives false if the job was stopped on the way. */
+template <typename Sink>
+bool FileWriters::copyContent(ArchiveStream& stream, Sink& sink)
+{
     const char* data = nullptr;
     size_t size = 0;
     while (stream.readBlock(&data, &size)) {
         if (isStopped()) {
-            return;
+            return false;
         }
-        writer.write(data, size);
+        sink.write(data, size);
         m_state.doneBytes += static_cast<qint64>(size);
     }
-    writer.finish();
+    return true;
 }
 
 bool FileWriters::isStopped() const

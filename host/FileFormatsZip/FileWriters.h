@@ -44,6 +44,8 @@ private:
     Share takeShare();
     bool moveTo(ArchiveStream& stream, int position) const;
     void writeFile(ArchiveStream& stream, FolderCursor& folders, PlannedFile& file);
+    template <typename Sink>
+    bool copyContent(ArchiveStream& stream, Sink& sink);
     bool isStopped() const;
 
     const ArchiveFile& m_archive;

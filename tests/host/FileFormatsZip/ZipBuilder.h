@@ -1,0 +1,92 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+#include <vector>
+
+namespace vx::test {
+
+/** One entry of an archive to be built, with what it says of itself in either place. */
+struct ZipEntry
+{
+    static constexpr quint16 stored = 0;
+    static constexpr quint16 deflated = 8;
+    static constexpr quint16 utf8Flag = 0x0800;
+    static constexpr quint16 encryptedFlag = 0x0001;
+    static constexpr quint8 dos = 0;
+    static constexpr quint8 unixSystem = 3;
+
+    QByteArray name;
+    QByteArray content;
+    unsigned mode = 0100644; ///< type and permissions, as of stat()
+    quint16 flags = 0;
+    quint16 method = stored;
+    quint8 madeBy = unixSystem;
+
+    // What differs from the truth; unset means the truth.
+    std::optional<QByteArray> localName;
+    std::optional<QByteArray> packed;
+    std::optional<quint32> crc32;
+    std::optional<quint32> unpackedSize;
+    std::optional<quint32> localOffset;
+    QByteArray localExtra;
+    QByteArray centralExtra;
+};
+
+/** A plain file. */
+ZipEntry file(const QByteArray& name, const QByteArray& content = "content", unsigned mode = 0644);
+
+/** A folder; its name ends in "/". */
+ZipEntry folder(const QByteArray& name, unsigned mode = 0755);
+
+/** A symbolic link. */
+ZipEntry link(const QByteArray& name, const QByteArray& target);
+
+/** Something of another type, a fifo or a device. */
+ZipEntry special(const QByteArray& name, unsigned type);
+
+/** The same entry, deflated. */
+ZipEntry deflate(ZipEntry entry);
+
+/**
+ * Writes ZIP archives byte by byte, so that they can lie in every way. Everything carries the time
+ * 2020-02-02 02:02:02.
+ */
+class ZipBuilder
+{
+public:
+    ZipBuilder() = default;
+    ZipBuilder(std::initializer_list<ZipEntry> entries);
+
+    ZipBuilder& add(const ZipEntry& entry);
+
+    /** Lets the end of the archive be written in the Zip64 form. */
+    ZipBuilder& useZip64();
+
+    /** Lets the end record announce @p count entries, whatever there is. */
+    ZipBuilder& announce(quint16 count);
+
+    QByteArray bytes() const;
+
+    /** Writes the archive to @p path, after @p before. */
+    void write(const QString& path, const QByteArray& before = {}) const;
+
+private:
+    QByteArray end(qint64 offset, qint64 length) const;
+
+    QByteArray m_data;
+    QByteArray m_directory;
+    quint64 m_count = 0;
+    bool m_zip64 = false;
+    std::optional<quint16> m_announced;
+};
+
+/** The raw deflate stream of @p content. */
+QByteArray deflated(const QByteArray& content);
+
+/** The CRC-32 that ZIP uses. */
+quint32 checksum(const QByteArray& content);
+
+} // namespace vx::test

@@ -1,0 +1,362 @@
+#include <QDir>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <sys/stat.h>
+
+#include "tests/host/FileFormatsZip/Unpacking.h"
+#include "tests/host/FileFormatsZip/ZipBuilder.h"
+#include "tests/support/TestMain.h"
+
+using namespace vx::test;
+
+namespace {
+
+QMap<QByteArray, QByteArray> linksOf(const QString& folder)
+{
+    QMap<QByteArray, QByteArray> links = treeOf(folder);
+    for (auto it = links.begin(); it != links.end();) {
+        it = it->startsWith("link ") ? it + 1 : links.erase(it);
+    }
+    return links;
+}
+
+} // namespace
+
+/**
+ * What was packed comes out as it was. The program runs twice, under a UTF-8 locale and under "C",
+ * in which Qt and libarchive know no letters but ASCII by themselves.
+ */
+class TestUnpackedContents : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void bundleOf_data();
+    void bundleOf();
+    void bundleRuns();
+    void modificationTimes();
+    void modificationTimeOfRecord();
+    void permissions_data();
+    void permissions();
+    void readOnlyFolder();
+    void foldersWithoutEntry();
+    void names_data();
+    void names();
+    void unicodePathField();
+    void linksThatStayInside_data();
+    void linksThatStayInside();
+    void emptyArchive();
+    void emptyFile();
+    void zerosAndText();
+    void archiveBehindSomethingElse();
+    void flat();
+    void existingFolderKeepsItsMode();
+
+private:
+    void makeBundle();
+    QString path(const QString& name) const { return m_folder->filePath(name); }
+    struct stat statusOf(const QString& name) const;
+
+    QScopedPointer<QTemporaryDir> m_folder;
+};
+
+void TestUnpackedContents::init()
+{
+    m_folder.reset(new QTemporaryDir);
+}
+
+struct stat TestUnpackedContents::statusOf(const QString& name) const
+{
+    struct stat status = {};
+    if (::lstat(QFile::encodeName(path(name)).constData(), &status) != 0) {
+        qWarning("no %s", qPrintable(name));
+    }
+    return status;
+}
+
+/** An installer bundle, made as such bundles are: folders, programs, links, nothing regular. */
+void TestUnpackedContents::makeBundle()
+{
+    const QString bundle = path("packed/Product.mpkg/Contents");
+    writeFile(bundle + "/MacOS/installer", "#!/bin/sh\necho installed from \"$1\"\n");
+    writeFile(bundle + "/Resources/readme.txt", "read me\n");
+    writeFile(bundle + "/Resources/big.bin", QByteArray("0123456789").repeated(300000));
+    writeFile(bundle + "/Frameworks/Core.framework/Versions/A/Core", "library");
+    QDir().mkpath(bundle + "/Resources/empty/inner");
+    QVERIFY(QFile::setPermissions(bundle + "/MacOS/installer", QFile::Permissions(0x7755)));
+    QVERIFY(QFile::setPermissions(bundle + "/Resources/readme.txt", QFile::Permissions(0x6440)));
+    const QString framework = bundle + "/Frameworks/Core.framework/";
+    QVERIFY(QFile::link("A", framework + "Versions/Current"));
+    QVERIFY(QFile::link("Versions/Current/Core", framework + "Core"));
+    QVERIFY(QFile::link("../MacOS/installer", bundle + "/Resources/start"));
+}
+
+void TestUnpackedContents::bundleOf_data()
+{
+    QTest::addColumn<QString>("program");
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("zip") << "zip" << QStringList{"-qry", "../a.zip", "Product.mpkg"};
+    QTest::newRow("zip, stored") << "zip" << QStringList{"-qry0", "../a.zip", "Product.mpkg"};
+    QTest::newRow("bsdtar") << "bsdtar"
+                            << QStringList{"-cf", "../a.zip", "--format", "zip", "Product.mpkg"};
+}
+
+void TestUnpackedContents::bundleOf()
+{
+    QFETCH(QString, program);
+    QFETCH(QStringList, arguments);
+    makeBundle();
+    runTool(path("packed"), program, arguments);
+
+    QCOMPARE(unpackWithReader(path("a.zip"), path("read")), QString());
+    QCOMPARE(treeOf(path("read")), treeOf(path("packed")));
+    QCOMPARE(unpackWithUnzipper(path("a.zip"), path("unzipped")), QString());
+    QCOMPARE(treeOf(path("unzipped")), treeOf(path("packed")));
+}
+
+void TestUnpackedContents::bundleRuns()
+{
+    makeBundle();
+    runTool(path("packed"), "zip", {"-qry", "../a.zip", "Product.mpkg"});
+    QCOMPARE(unpackWithUnzipper(path("a.zip"), path("target")), QString());
+
+    QProcess installer;
+    installer.start(path("target/Product.mpkg/Contents/Resources/start"), {"here"});
+    QVERIFY(installer.waitForFinished());
+    QCOMPARE(installer.readAllStandardOutput(), QByteArray("installed from here\n"));
+}
+
+void TestUnpackedContents::modificationTimes()
+{
+    makeBundle();
+    runTool(path("packed"), "touch", {"-d", "2001-02-03 04:05:06 UTC", "Product.mpkg/Contents"});
+    runTool(path("packed"), "touch",
+            {"-d", "2011-12-13 14:15:16 UTC", "Product.mpkg/Contents/Resources/readme.txt"});
+    runTool(path("packed"), "touch",
+            {"-hd", "2005-05-05 05:05:05 UTC", "Product.mpkg/Contents/Resources/start"});
+    runTool(path("packed"), "zip", {"-qry", "../a.zip", "Product.mpkg"});
+    QCOMPARE(unpackWithReader(path("a.zip"), path("target")), QString());
+
+    for (const QString name :
+         {"", "/Resources/readme.txt", "/Resources/start", "/Resources/empty", "/MacOS"}) {
+        const QString below = "/Product.mpkg/Contents" + name;
+        QCOMPARE(statusOf("target" + below).st_mtime, statusOf("packed" + below).st_mtime);
+    }
+}
+
+/** Without an extended time, the entry's own counts, in local time and steps of two seconds. */
+void TestUnpackedContents::modificationTimeOfRecord()
+{
+    ZipBuilder{file("a")}.write(path("a.zip"));
+    QCOMPARE(unpackWithReader(path("a.zip"), path("target")), QString());
+    const QDateTime expected(QDate(2020, 2, 2), QTime(2, 2, 2));
+    QCOMPARE(qint64(statusOf("target/a").st_mtime), expected.toSecsSinceEpoch());
+}
+
+void TestUnpackedContents::permissions_data()
+{
+    QTest::addColumn<unsigned>("packed");
+    QTest::addColumn<unsigned>("unpacked");
+    QTest::newRow("program") << 0755U << 0755U;
+    QTest::newRow("private") << 0600U << 0600U;
+    QTest::newRow("read-only") << 0444U << 0444U;
+    QTest::newRow("for all, whatever the umask") << 0777U << 0777U;
+    QTest::newRow("setuid is dropped") << 04755U << 0755U;
+    QTest::newRow("setgid is dropped") << 02755U << 0755U;
+    QTest::newRow("sticky is dropped") << 01644U << 0644U;
+}
+
+void TestUnpackedContents::permissions()
+{
+    QFETCH(unsigned, packed);
+    QFETCH(unsigned, unpacked);
+    ZipBuilder{file("a", "x", packed), folder("b/", packed | 0700)}.write(path("a.zip"));
+    QCOMPARE(unpackWithReader(path("a.zip"), path("target")), QString());
+    QCOMPARE(statusOf("target/a").st_mode & 07777U, unpacked);
+    QCOMPARE(statusOf("target/b").st_mode & 07777U, unpacked | 0700);
+}
+
+void TestUnpackedContents::readOnlyFolder()
+{
+    ZipBuilder{folder("a/", 0500), file("a/b"), folder("a/c/", 0500), file("a/c/d")}.write(
+        path("a.zip"));
+    QCOMPARE(unpackWithReader(path("a.zip"), path("target")), QString());
+    QCOMPARE(statusOf("target/a").st_mode & 07777U, 0500U);
+    QCOMPARE(contentOf(path("target/a/c/d")), QByteArray("content"));
+    for (const QString name : {"target/a", "target/a/c"}) {
+        QFile::setPermissions(path(name), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+}
+
+void TestUnpackedContents::foldersWithoutEntry()
+{
+    ZipBuilder{file("a/b/c.txt")}.write(path("a.zip"));
+    QCOMPARE(unpackWithReader(path("a.zip"), path("target")), QString());
+    QCOMPARE(statusOf("target/a/b").st_mode & 07777U, 0755U);
+    QVERIFY(qAbs(statusOf("target/a/b").st_mtime - time(nullptr)) < 100);
+}
+
+void TestUnpackedContents::names_data()
+{
+    QTest::addColumn<QByteArray>("stored");
+    QTest::addColumn<int>("flags");
+    QTest::addColumn<QByteArray>("onDisk");
+    const int utf8 = ZipEntry::utf8Flag;
+    QTest::newRow("ASCII") << QByteArray("a b(c)'d") << 0 << QByteArray("a b(c)'d");
+    QTest::newRow("UTF-8") << QByteArray("Gr\xc3\xbc\xc3\x9f"
+                                         "e.txt")
+                           << utf8
+                           << QByteArray("Gr\xc3\xbc\xc3\x9f"
+                                         "e.txt");
+    QTest::newRow("UTF-8, not flagged")
+        << QByteArray("\xe6\x97\xa5\xe6\x9c\xac") << 0 << QByteArray("\xe6\x97\xa5\xe6\x9c\xac");
+    QTest::newRow("UTF-8, beyond the basic plane")
+        << QByteArray("\xf0\x9f\x8e\xa5") << utf8 << QByteArray("\xf0\x9f\x8e\xa5");
+    QTest::newRow("decomposed") << QByteArray("a\xcc\x88") << utf8 << QByteArray("a\xcc\x88");
+    QTest::newRow("code page 437") << QByteArray("Gr\x81\xe1"
+                                                 "e.txt")
+                                   << 0
+                                   << QByteArray("Gr\xc3\xbc\xc3\x9f"
+                                                 "e.txt");
+    QTest::newRow("code page 437, folder")
+        << QByteArray("\x8e/\x9a.txt") << 0 << QByteArray("\xc3\x84/\xc3\x9c.txt");
+    QTest::newRow("ends of code page 437")
+        << QByteArray("\x80\xfe\xff") << 0 << QByteArray("\xc3\x87\xe2\x96\xa0\xc2\xa0");
+    QTest::newRow("colon") << QByteArray("10:30.txt") << 0 << QByteArray("10:30.txt");
+    QTest::newRow("dots") << QByteArray("..a/b../...") << 0 << QByteArray("..a/b../...");
+    QTest::newRow("needless dot and slash") << QByteArray("./a//b") << 0 << QByteArray("a/b");
+    QTest::newRow("longest") << QByteArray(255, 'x') << 0 << QByteArray(255, 'x');
+}
+
+void TestUnpackedContents::names()
+{
+    QFETCH(QByteArray, stored);
+    QFETCH(int, flags);
+    QFETCH(QByteArray, onDisk);
+    ZipEntry entry = file(stored, "hello");
+    entry.flags = static_cast<quint16>(flags);
+    ZipBuilder{entry}.write(path("a.zip"));
+    QCOMPARE(unpackWithReader(path("a.zip"), path("target")), QString());
+    QCOMPARE(treeOf(path("target")).value(onDisk), QByteArray("file 644 hello"));
+}
+
+/** Info-ZIP's second name wins if its checksum belongs to the first. */
+void TestUnpackedContents::unicodePathField()
+{
+    const auto field = [](const QByteArray& raw, const QByteArray& name) {
+        const quint32 crc = checksum(raw);
+        QByteArray extra("up");
+        extra += static_cast<char>(name.size() + 5);
+        extra += QByteArray("\0\1", 2);
+        for (int shift = 0; shift < 32; shift += 8) {
+            extra += static_cast<char>(crc >> shift);
+        }
+        return extra + name;
+    };
+    ZipEntry right = file("raw", "right");
+    right.localExtra = right.centralExtra = field("raw", "\xe2\x82\xac");
+    ZipEntry stale = file("raw2", "stale");
+    stale.localExtra = stale.centralExtra = field("another", "\xe2\x82\xac");
+    ZipBuilder{right, stale}.write(path("a.zip"));
+    QCOMPARE(unpackWithReader(path("a.zip"), path("target")), QString());
+    QCOMPARE(treeOf(path("target")).value("\xe2\x82\xac"), QByteArray("file 644 right"));
+    QCOMPARE(treeOf(path("target")).value("raw2"), QByteArray("file 644 stale"));
+}
+
+void TestUnpackedContents::linksThatStayInside_data()
+{
+    QTest::addColumn<QByteArray>("archive");
+    const auto row = [](const char* tag, const ZipBuilder& archive) {
+        QTest::newRow(tag) << archive.bytes();
+    };
+    row("to a file", {file("b/c"), link("b/a", "c")});
+    row("to a folder", {folder("b/"), link("a", "b/")});
+    row("up, but inside", {file("b"), link("c/d/a", "../../b")});
+    row("to the top", {link("b/a", "..")});
+    row("to nothing", {link("a", "not/there")});
+    row("of a shared library",
+        {file("lib.so.1.2"), link("lib.so.1", "lib.so.1.2"), link("lib.so", "lib.so.1")});
+    row("of a framework", {file("F/Versions/A/F"), link("F/Versions/Current", "A"),
+                           link("F/F", "Versions/Current/F")});
+    row("up behind a link", {file("c/d/e"), file("x"), link("b", "c/d"), link("a", "b/../../x")});
+    row("deflated", {file("b"), deflate(link("a", QByteArray("./").repeated(50) + "b"))});
+    row("not ASCII", {file("\xc3\xa4"), link("a", "\xc3\xa4")});
+}
+
+void TestUnpackedContents::linksThatStayInside()
+{
+    QFETCH(QByteArray, archive);
+    writeFile(path("a.zip"), archive);
+    QCOMPARE(unpackWithReader(path("a.zip"), path("target")), QString());
+    QDir().mkpath(path("peer"));
+    runTool(path("peer"), "bsdtar", {"-xpf", "../a.zip"});
+    QCOMPARE(linksOf(path("target")), linksOf(path("peer")));
+}
+
+void TestUnpackedContents::emptyArchive()
+{
+    ZipBuilder().write(path("a.zip"));
+    QCOMPARE(unpackWithReader(path("a.zip"), path("target")), QString());
+    QVERIFY(QFileInfo(path("target")).isDir());
+    QVERIFY(treeOf(path("target")).isEmpty());
+}
+
+void TestUnpackedContents::emptyFile()
+{
+    ZipBuilder{file("a", ""), deflate(file("b", ""))}.write(path("a.zip"));
+    QCOMPARE(unpackWithReader(path("a.zip"), path("target")), QString());
+    QCOMPARE(treeOf(path("target")).value("a"), QByteArray("file 644 "));
+    QCOMPARE(treeOf(path("target")).value("b"), QByteArray("file 644 "));
+}
+
+/** Pieces of nothing but zeros are left out on disk; what is read is the same. */
+void TestUnpackedContents::zerosAndText()
+{
+    const QByteArray zeros(1 << 20, '\0');
+    const QByteArray content = zeros + "text" + zeros + QByteArray(1 << 20, 'x') + zeros;
+    ZipBuilder{deflate(file("mixed", content)), deflate(file("zeros", zeros)),
+               file("large", content.repeated(3))}
+        .write(path("a.zip"));
+    QCOMPARE(unpackWithReader(path("a.zip"), path("target")), QString());
+    QVERIFY(contentOf(path("target/mixed")) == content);
+    QVERIFY(contentOf(path("target/zeros")) == zeros);
+    QVERIFY(contentOf(path("target/large")) == content.repeated(3));
+}
+
+void TestUnpackedContents::archiveBehindSomethingElse()
+{
+    const ZipBuilder archive{file("a"), deflate(file("b", QByteArray(5000, 'b')))};
+    archive.write(path("a.zip"), QByteArray("#!/bin/sh\n").repeated(1000));
+    QCOMPARE(unpackWithReader(path("a.zip"), path("target")), QString());
+    QCOMPARE(contentOf(path("target/b")), QByteArray(5000, 'b'));
+}
+
+void TestUnpackedContents::flat()
+{
+    ZipBuilder{folder("a/"), file("a/b", "1"), file("c/d/e", "2"), link("c/f", "e")}.write(
+        path("a.zip"));
+    QCOMPARE(unpackWithReader(path("a.zip"), path("read"), true), QString());
+    QCOMPARE(treeOf(path("read")).keys(), QList<QByteArray>({"b", "e", "f"}));
+    QCOMPARE(contentOf(path("read/f")), QByteArray("2"));
+    QCOMPARE(unpackWithUnzipper(path("a.zip"), path("unzipped"), true), QString());
+    QCOMPARE(treeOf(path("unzipped")), treeOf(path("read")));
+
+    ZipBuilder{file("a/b"), file("c/b")}.write(path("b.zip"));
+    QVERIFY(unpackWithReader(path("b.zip"), path("clash"), true).contains("contained twice"));
+}
+
+void TestUnpackedContents::existingFolderKeepsItsMode()
+{
+    QDir().mkpath(path("target/a"));
+    QVERIFY(QFile::setPermissions(path("target/a"), QFile::Permissions(0x7700)));
+    ZipBuilder{folder("a/", 0755), file("a/b")}.write(path("a.zip"));
+    QCOMPARE(unpackWithReader(path("a.zip"), path("target")), QString());
+    QCOMPARE(statusOf("target/a").st_mode & 07777U, 0700U);
+    QCOMPARE(contentOf(path("target/a/b")), QByteArray("content"));
+}
+
+VX_TEST_MAIN(TestUnpackedContents)
+#include "tst_UnpackedContents.moc"
