@@ -4,6 +4,7 @@
 
 #include <QSet>
 
+#include "dialogs/SignalArgumentType.h"
 #include "host/CoreQt/Connect.h"
 #include "package/LogLine.h"
 #include "ui_SoftwareUpdateAvailableGui.h"
@@ -62,6 +63,7 @@ SoftwareUpdateAvailableDialog::SoftwareUpdateAvailableDialog(QWidget* parent, Qt
     m_form->setupUi(this);
     makeReachableByKeyboard(*m_form);
     nameForAssistiveTools(*m_form, windowTitle());
+    registerSignalArgument<SoftUpIndexList>("SoftUpIndexList");
 
     const Qt::ConnectionType automatic = Qt::AutoConnection;
     vx::connect(m_form->downloadPushButton, SIGNAL(clicked()), this, SLOT(downloadPackagePressed()),

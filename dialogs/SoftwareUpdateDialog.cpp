@@ -2,6 +2,7 @@
 
 #include <QApplication>
 
+#include "dialogs/SignalArgumentType.h"
 #include "host/CoreQt/Connect.h"
 #include "ui_SoftwareUpdateDialogGui.h"
 
@@ -47,6 +48,7 @@ SoftwareUpdateDialog::SoftwareUpdateDialog(QWidget* parent, Qt::WindowFlags flag
     layout()->setSizeConstraint(QLayout::SetFixedSize);
     m_form->progressBar->hide();
     nameForAssistiveTools(*m_form, windowTitle());
+    registerSignalArgument<SoftwareUpdateDialogSettings>("SoftwareUpdateDialogSettings");
 
     vx::connect(m_form->updatePushButton, SIGNAL(clicked()), this, SIGNAL(checkForUpdate()),
                 Qt::AutoConnection);
