@@ -1,3 +1,4 @@
+#include <QEventLoop>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -70,9 +71,12 @@ RequestPtr TestHttpClientFiles::download(const QString& name, QFile* file)
     ResultReceiver receiver;
     const RequestPtr request = m_client->get(HttpClient::encodedUrlPath("/" + name), &receiver,
                                              SLOT(queryResult(RequestPtr)), file);
-    if (!QTest::qWaitFor([&] { return !receiver.results.isEmpty(); }, 60000)) {
-        m_client->reset();
-    }
+    // A loop of its own, since the waiting of the test library sleeps between events.
+    QEventLoop loop;
+    receiver.whenCalled = [&loop] { loop.quit(); };
+    QTimer::singleShot(60000, &loop, [this] { m_client->reset(); });
+    connect(m_client.get(), &HttpClient::requestReset, &loop, &QEventLoop::quit);
+    loop.exec();
     file->close();
     return request;
 }
