@@ -54,12 +54,12 @@ void SoftwareUpdateClient::evaluateServerResponse(QNetworkReply* reply)
     // The reply belongs to the manager and stays readable until control is in the event loop again.
     deleteNetworkmanager();
     if (isRedirect(*reply)) {
-        const QVariant target = reply->attribute(QNetworkRequest::RedirectionTargetAttribute);
-        if (!target.isNull()) {
-            const QUrl url = target.toUrl();
-            logFromEvaluation(1,
-                              QStringLiteral("redirect url ") + url.toString(QUrl::RemovePassword));
-            performUpdateCheck(url);
+        // Without a target the attribute is there all the same and holds an empty URL.
+        const QUrl target = reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl();
+        if (!target.isEmpty()) {
+            logFromEvaluation(1, QStringLiteral("redirect url ") +
+                                     target.toString(QUrl::RemovePassword));
+            performUpdateCheck(target);
             return;
         }
         logFromEvaluation(3, QStringLiteral("could not obtain redirect url from server response"));

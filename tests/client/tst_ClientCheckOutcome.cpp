@@ -1,0 +1,479 @@
+#include <QCheckBox>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTimer>
+#include <QtTest>
+
+#include "dialogs/SoftwareUpdateDialog.h"
+#include "tests/client/ClientFixture.h"
+#include "tests/support/TestMain.h"
+
+using namespace vx;
+using namespace vx::test;
+
+namespace {
+
+const QString timeoutLine = QStringLiteral(
+    "SoftwareUpdateClient::requestTimeout() -> Timeout occurred requesting update server!");
+const QString upToDateLine =
+    QStringLiteral("SoftwareUpdateClient::productUpToDate() -> product is up to date!");
+const QString evaluation = QStringLiteral("SoftwareUpdateClient::evaluateServerResponse() -> ");
+const QString performed = QStringLiteral("SoftwareUpdateClient::performUpdateCheck() -> ");
+
+QList<PackageFields> nothingNew()
+{
+    PackageFields fields = applicationPackage();
+    fields[QStringLiteral("release")] = QStringLiteral("0.1");
+    return {fields};
+}
+
+ServedReply redirect(int status, const QByteArray& location)
+{
+    ServedReply reply;
+    reply.status = status;
+    if (!location.isNull()) {
+        reply.headers.append(qMakePair(QByteArray("Location"), location));
+    }
+    return reply;
+}
+
+QString notification()
+{
+    return settingsDialog()->findChild<QLabel*>("updateNotificationLabel")->text();
+}
+
+bool isProgressShown()
+{
+    const auto* bar = settingsDialog()->findChild<QProgressBar*>("progressBar");
+    return bar->isVisible() && bar->isEnabled();
+}
+
+void clickCheckNow()
+{
+    QTest::mouseClick(settingsDialog()->findChild<QPushButton*>("updatePushButton"),
+                      Qt::LeftButton);
+}
+
+QString errorTextInLog(const LogCapture& log)
+{
+    return log.lines(1).last().section(evaluation + "reply->errorString(): ", 1);
+}
+
+} // namespace
+
+class tst_ClientCheckOutcome : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void upToDate_data();
+    void upToDate();
+    void updateAvailable();
+    void redirectIsFollowed_data();
+    void redirectIsFollowed();
+    void otherStatusIsNoRedirect();
+    void redirectWithoutTarget_data();
+    void redirectWithoutTarget();
+    void relativeTargetStandsAsItIs();
+    void redirectToItselfHasNoEnd();
+    void eachHopGetsItsOwnTime();
+    void progressStaysOnDuringARedirect();
+    void redirectToAnotherScheme();
+    void failingServer_data();
+    void failingServer();
+    void unreachableServer();
+    void answerWithoutEnd();
+    void timeout_data();
+    void timeout();
+    void checkAfterATimeout();
+    void droppedCheckIsNotEvaluated();
+    void dialogShowsTheFormerCheck();
+    void dialogShowsThisCheckAfterARedirect();
+    void betaBoxOfTheDialogCounts();
+    void textsOfADialogThatClosesMeanwhile();
+};
+
+void tst_ClientCheckOutcome::upToDate_data()
+{
+    QTest::addColumn<bool>("dialogOpen");
+    QTest::newRow("in the background") << false;
+    QTest::newRow("settings dialog open") << true;
+}
+
+void tst_ClientCheckOutcome::upToDate()
+{
+    QFETCH(bool, dialogOpen);
+    ClientFixture fixture;
+    fixture.start();
+    fixture.offer(nothingNew());
+    if (dialogOpen) {
+        fixture.openSettingsDialog();
+        clickCheckNow();
+        QVERIFY(isProgressShown());
+        QTRY_VERIFY(!isProgressShown());
+        QCOMPARE(notification(), QStringLiteral("Congratulations! Your product is up-to-date!"));
+    } else {
+        QVERIFY(fixture.check());
+        QVERIFY(!settingsDialog());
+    }
+    QVERIFY(fixture.log.lines(1).at(1).endsWith(evaluation + "product is up-to-date "));
+    QVERIFY(fixture.log.lines(1).at(2).endsWith(upToDateLine));
+    QVERIFY(fixture.log.lines(3).isEmpty());
+    QVERIFY(!availableDialog());
+    QVERIFY(fixture.boxes.seen().isEmpty());
+}
+
+void tst_ClientCheckOutcome::updateAvailable()
+{
+    ClientFixture fixture;
+    fixture.start();
+    QVERIFY(fixture.openAvailableDialog({applicationPackage()}));
+    QVERIFY(fixture.log.contains(1, evaluation + "update available"));
+    QVERIFY(!fixture.log.contains(1, upToDateLine));
+}
+
+void tst_ClientCheckOutcome::redirectIsFollowed_data()
+{
+    QTest::addColumn<int>("status");
+    for (const int status : {301, 302, 303, 307}) {
+        QTest::addRow("%d", status) << status;
+    }
+}
+
+void tst_ClientCheckOutcome::redirectIsFollowed()
+{
+    QFETCH(int, status);
+    ClientFixture fixture;
+    fixture.start();
+    const QString target = fixture.server.url("/moved").toString();
+    fixture.server.setReply("/", redirect(status, target.toLatin1()));
+    ServedReply catalogue;
+    catalogue.body = catalogueXml(nothingNew());
+    fixture.server.setReply("/moved", catalogue);
+    QVERIFY(fixture.check());
+    QVERIFY(fixture.log.contains(1, evaluation + "redirect url " + target));
+    QVERIFY(fixture.log.contains(1, performed + target));
+    QVERIFY(fixture.log.contains(1, upToDateLine));
+    QCOMPARE(fixture.server.requests().size(), 2);
+    QCOMPARE(fixture.server.requests().last().headers.value("content-type"),
+             QByteArray("text/xml"));
+}
+
+void tst_ClientCheckOutcome::otherStatusIsNoRedirect()
+{
+    ClientFixture fixture;
+    fixture.start();
+    ServedReply reply = redirect(308, fixture.server.url("/moved").toString().toLatin1());
+    reply.body = catalogueXml(nothingNew());
+    fixture.server.setReply("/", reply);
+    QVERIFY(fixture.check());
+    QCOMPARE(fixture.server.requests().size(), 1);
+    QVERIFY(fixture.log.contains(1, upToDateLine));
+}
+
+void tst_ClientCheckOutcome::redirectWithoutTarget_data()
+{
+    QTest::addColumn<QByteArray>("location");
+    QTest::newRow("no header") << QByteArray();
+    QTest::newRow("empty header") << QByteArray("");
+}
+
+void tst_ClientCheckOutcome::redirectWithoutTarget()
+{
+    QFETCH(QByteArray, location);
+    ClientFixture fixture;
+    fixture.start();
+    ServedReply reply = redirect(302, location);
+    reply.body = catalogueXml(nothingNew());
+    fixture.server.setReply("/", reply);
+    QVERIFY(fixture.check());
+    QVERIFY(
+        fixture.log.contains(3, evaluation + "could not obtain redirect url from server response"));
+    QCOMPARE(fixture.log.lines(3).size(), 1);
+    QVERIFY(fixture.log.contains(1, upToDateLine));
+}
+
+void tst_ClientCheckOutcome::relativeTargetStandsAsItIs()
+{
+    ClientFixture fixture;
+    fixture.start();
+    fixture.openSettingsDialog();
+    fixture.server.setReply("/", redirect(302, "/moved"));
+    clickCheckNow();
+    QTRY_VERIFY(fixture.log.contains(3, timeoutLine));
+    QVERIFY(fixture.log.contains(1, evaluation + "redirect url /moved"));
+    QVERIFY(fixture.log.contains(1, performed + "/moved"));
+    QCOMPARE(fixture.server.requests().size(), 1);
+    QVERIFY(!isProgressShown());
+    QVERIFY(!notification().isEmpty());
+}
+
+void tst_ClientCheckOutcome::redirectToItselfHasNoEnd()
+{
+    ClientFixture fixture;
+    fixture.start();
+    fixture.server.setReply("/", redirect(302, fixture.server.url().toString().toLatin1()));
+    fixture.client().checkForUpdate();
+    QTRY_VERIFY_WITH_TIMEOUT(fixture.server.requests().size() > 60, 20000);
+    QVERIFY(fixture.client().requestTimer()->isActive());
+    fixture.offer(nothingNew());
+    QTRY_VERIFY(fixture.log.contains(1, upToDateLine));
+}
+
+void tst_ClientCheckOutcome::eachHopGetsItsOwnTime()
+{
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    ServedReply moved = redirect(302, fixture.server.url("/moved").toString().toLatin1());
+    fixture.server.setReply("/", moved);
+    ServedReply silent;
+    silent.fault = ServedReply::Silent;
+    fixture.server.setReply("/moved", silent);
+    client.checkForUpdate();
+    client.requestTimer()->start(5000);
+    QTRY_COMPARE(fixture.server.requests().size(), 2);
+    QVERIFY(client.requestTimer());
+    QVERIFY(client.requestTimer()->remainingTime() > 14000);
+}
+
+void tst_ClientCheckOutcome::progressStaysOnDuringARedirect()
+{
+    ClientFixture fixture;
+    fixture.start();
+    fixture.openSettingsDialog();
+    fixture.server.setReply("/", redirect(302, fixture.server.url("/moved").toString().toLatin1()));
+    ServedReply slow;
+    slow.body = catalogueXml(nothingNew());
+    slow.delayMs = 200;
+    fixture.server.setReply("/moved", slow);
+    clickCheckNow();
+    QTRY_COMPARE(fixture.server.requests().size(), 2);
+    QVERIFY(isProgressShown());
+    QTRY_VERIFY(!isProgressShown());
+    QCOMPARE(notification(), QStringLiteral("Congratulations! Your product is up-to-date!"));
+}
+
+void tst_ClientCheckOutcome::redirectToAnotherScheme()
+{
+    ClientFixture fixture;
+    fixture.start();
+    fixture.server.setReply("/", redirect(302, "nowhere:/else"));
+    QVERIFY(fixture.check());
+    QVERIFY(fixture.log.contains(3, timeoutLine));
+    QVERIFY(fixture.log.contains(1, performed + "nowhere:/else"));
+}
+
+void tst_ClientCheckOutcome::failingServer_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::addColumn<int>("fault");
+    QTest::addColumn<bool>("dialogOpen");
+    QTest::newRow("404") << 404 << int(ServedReply::NoFault) << true;
+    QTest::newRow("500") << 500 << int(ServedReply::NoFault) << true;
+    QTest::newRow("503 in the background") << 503 << int(ServedReply::NoFault) << false;
+    QTest::newRow("closes early") << 200 << int(ServedReply::CloseEarly) << true;
+    QTest::newRow("resets") << 200 << int(ServedReply::Reset) << true;
+    QTest::newRow("resets in the background") << 200 << int(ServedReply::Reset) << false;
+}
+
+void tst_ClientCheckOutcome::failingServer()
+{
+    QFETCH(int, status);
+    QFETCH(int, fault);
+    QFETCH(bool, dialogOpen);
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    ServedReply reply;
+    reply.status = status;
+    reply.body = catalogueXml({applicationPackage()});
+    reply.fault = static_cast<ServedReply::Fault>(fault);
+    reply.bytesBeforeFault = 20;
+    fixture.server.setReply("/", reply);
+    if (dialogOpen) {
+        fixture.openSettingsDialog();
+    }
+    QVERIFY(fixture.check());
+
+    QCOMPARE(fixture.log.lines(3).size(), 1);
+    QVERIFY(fixture.log.contains(3, timeoutLine));
+    QVERIFY(!errorTextInLog(fixture.log).isEmpty());
+    if (dialogOpen) {
+        QVERIFY(!isProgressShown());
+        QCOMPARE(notification(), errorTextInLog(fixture.log));
+    }
+    QVERIFY(!client.record().lastCheck.isNull());
+    QVERIFY(!availableDialog());
+    QVERIFY(fixture.boxes.seen().isEmpty());
+}
+
+void tst_ClientCheckOutcome::unreachableServer()
+{
+    ClientFixture fixture;
+    fixture.start();
+    fixture.server.stop();
+    fixture.openSettingsDialog();
+    QVERIFY(fixture.check());
+    QVERIFY(fixture.log.contains(3, timeoutLine));
+    QCOMPARE(notification(), errorTextInLog(fixture.log));
+    QVERIFY(!notification().isEmpty());
+}
+
+void tst_ClientCheckOutcome::answerWithoutEnd()
+{
+    ClientFixture fixture;
+    fixture.start();
+    ServedReply endless;
+    endless.body = QByteArray(80 * 1024 * 1024, ' ');
+    endless.fault = ServedReply::Stall;
+    endless.bytesBeforeFault = endless.body.size() - 1;
+    fixture.server.setReply("/", endless);
+    fixture.openSettingsDialog();
+    QVERIFY(fixture.check());
+    QVERIFY(fixture.log.contains(3, timeoutLine));
+    QCOMPARE(notification(), errorTextInLog(fixture.log));
+    QVERIFY(notification() != "Timeout error! Update server unreachable!");
+}
+
+void tst_ClientCheckOutcome::timeout_data()
+{
+    upToDate_data();
+}
+
+void tst_ClientCheckOutcome::timeout()
+{
+    QFETCH(bool, dialogOpen);
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    ServedReply silent;
+    silent.fault = ServedReply::Silent;
+    fixture.server.setReply("/", silent);
+    if (dialogOpen) {
+        fixture.openSettingsDialog();
+    }
+    client.checkForUpdate();
+    const QDateTime lastCheck = client.record().lastCheck;
+    QVERIFY(lastCheck.isValid());
+    QTRY_COMPARE(fixture.server.requests().size(), 1);
+    QTimer* timer = client.requestTimer();
+    QCOMPARE(timer->interval(), 15000);
+    timer->start(20);
+    QTRY_VERIFY(fixture.log.contains(3, timeoutLine));
+
+    if (dialogOpen) {
+        QVERIFY(!isProgressShown());
+        QCOMPARE(notification(), QStringLiteral("Timeout error! Update server unreachable!"));
+    }
+    deleteDeferred();
+    fixture.server.stop();
+    QCoreApplication::processEvents();
+    QVERIFY(!fixture.log.lines(1).join('\n').contains(evaluation));
+    QCOMPARE(fixture.log.lines(3).size(), 1);
+    QCOMPARE(client.record().lastCheck, lastCheck);
+    QVERIFY(!timer->isActive());
+}
+
+void tst_ClientCheckOutcome::checkAfterATimeout()
+{
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    ServedReply silent;
+    silent.fault = ServedReply::Silent;
+    fixture.server.setReply("/", silent);
+    client.checkForUpdate();
+    QTimer* timer = client.requestTimer();
+    timer->start(20);
+    QTRY_VERIFY(fixture.log.contains(3, timeoutLine));
+    fixture.offer(nothingNew());
+    client.checkForUpdate();
+    QCOMPARE(timer->interval(), 15000);
+    QTRY_VERIFY(fixture.log.contains(1, upToDateLine));
+    QCOMPARE(fixture.log.lines(3).size(), 1);
+}
+
+void tst_ClientCheckOutcome::droppedCheckIsNotEvaluated()
+{
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    fixture.offer(nothingNew());
+    client.checkForUpdate();
+    client.call("deleteNetworkmanager");
+    client.call("deleteNetworkmanager");
+    deleteDeferred();
+    QTest::qWait(50);
+    QVERIFY(!fixture.log.lines(1).join('\n').contains(evaluation));
+    QVERIFY(fixture.check());
+    QVERIFY(fixture.log.contains(1, upToDateLine));
+}
+
+void tst_ClientCheckOutcome::dialogShowsTheFormerCheck()
+{
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    const QDateTime former(QDate(2012, 3, 4), QTime(5, 6));
+    writeStored("lastCheck", former);
+    fixture.openSettingsDialog();
+    auto* dialog = settingsDialog();
+    dialog->setNotificationText("left over");
+    dialog->findChild<QLabel*>("lastCheckDateLabel")->clear();
+    fixture.offer(nothingNew());
+    clickCheckNow();
+    QCOMPARE(notification(), QString());
+    QCOMPARE(dialog->getDialogSettings().lastCheckText,
+             QLocale::system().toString(former, QLocale::LongFormat));
+    QVERIFY(client.record().lastCheck > former);
+    QTRY_VERIFY(!isProgressShown());
+    QCOMPARE(dialog->getDialogSettings().lastCheckText,
+             QLocale::system().toString(former, QLocale::LongFormat));
+}
+
+void tst_ClientCheckOutcome::dialogShowsThisCheckAfterARedirect()
+{
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    writeStored("lastCheck", QDateTime(QDate(2012, 3, 4), QTime(5, 6)));
+    fixture.openSettingsDialog();
+    fixture.server.setReply("/", redirect(302, fixture.server.url("/moved").toString().toLatin1()));
+    ServedReply catalogue;
+    catalogue.body = catalogueXml(nothingNew());
+    fixture.server.setReply("/moved", catalogue);
+    clickCheckNow();
+    QTRY_VERIFY(!isProgressShown());
+    QCOMPARE(settingsDialog()->getDialogSettings().lastCheckText,
+             QLocale::system().toString(client.record().lastCheck, QLocale::LongFormat));
+}
+
+void tst_ClientCheckOutcome::betaBoxOfTheDialogCounts()
+{
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    PackageFields beta = applicationPackage();
+    beta["status"] = "BETA";
+    fixture.offer({beta});
+    QVERIFY(fixture.check());
+    QVERIFY(!availableDialog());
+
+    fixture.openSettingsDialog();
+    settingsDialog()->findChild<QCheckBox*>("checkForBetaCheckBox")->setChecked(true);
+    clickCheckNow();
+    QTRY_VERIFY(availableDialog());
+    QCOMPARE(client.record().checkForBeta, false);
+}
+
+void tst_ClientCheckOutcome::textsOfADialogThatClosesMeanwhile()
+{
+    ClientFixture fixture;
+    fixture.start();
+    fixture.openSettingsDialog();
+    ServedReply reply;
+    reply.body = catalogueXml(nothingNew());
+    reply.delayMs = 50;
+    fixture.server.setReply("/", reply);
+    clickCheckNow();
+    settingsDialog()->reject();
+    QTRY_VERIFY(!settingsDialog());
+    QTRY_VERIFY(fixture.log.contains(1, upToDateLine));
+}
+
+VX_TEST_MAIN(tst_ClientCheckOutcome)
+#include "tst_ClientCheckOutcome.moc"

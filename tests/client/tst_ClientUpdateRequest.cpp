@@ -1,0 +1,289 @@
+#include <QLineEdit>
+#include <QNetworkProxyFactory>
+#include <QPushButton>
+#include <QTimer>
+#include <QtTest>
+
+#include "dialogs/SoftwareUpdateDialog.h"
+#include "host/NodeDB/NodeDB.h"
+#include "tests/client/ClientFixture.h"
+#include "tests/support/TestMain.h"
+
+using namespace vx;
+using namespace vx::test;
+
+namespace {
+
+const QString performed = QStringLiteral("SoftwareUpdateClient::performUpdateCheck() -> ");
+const QString upToDate =
+    QStringLiteral("SoftwareUpdateClient::productUpToDate() -> product is up to date!");
+
+/** A catalogue with something in it that concerns nobody here. */
+QList<PackageFields> nothingNew()
+{
+    PackageFields fields = applicationPackage();
+    fields[QStringLiteral("release")] = QStringLiteral("0.1");
+    return {fields};
+}
+
+} // namespace
+
+class tst_ClientUpdateRequest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void asksForTheAddressAsItStands_data();
+    void asksForTheAddressAsItStands();
+    void sendsAContentTypeAndNoBody();
+    void addressOfTheDialogCounts();
+    void dialogChecksEvenWhenCheckingIsOff();
+    void emptyAddressEndsInAnError();
+    void noProxyByDefault();
+    void proxyOfTheNodeDatabase();
+    void proxyWithPassword();
+    void proxyIsAskedForEveryRequest();
+    void systemProxyIsNotUsed();
+    void proxyObjects();
+    void passwordsStayOutOfTheLog();
+    void oneTimerServesAllChecks();
+    void timeIsStoredBeforeTheOutcome();
+    void secondCheckDuringTheFirst();
+    void statusToRequire();
+};
+
+void tst_ClientUpdateRequest::asksForTheAddressAsItStands_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QByteArray>("target");
+    QTest::newRow("root") << "/" << QByteArray("/");
+    QTest::newRow("path") << "/some/catalogue.xml" << QByteArray("/some/catalogue.xml");
+    QTest::newRow("query") << "/list?product=x&y=1" << QByteArray("/list?product=x&y=1");
+    QTest::newRow("blank") << "/a list.xml" << QByteArray("/a%20list.xml");
+    QTest::newRow("no path at all") << "" << QByteArray("/");
+}
+
+void tst_ClientUpdateRequest::asksForTheAddressAsItStands()
+{
+    QFETCH(QString, path);
+    ClientFixture fixture;
+    fixture.start();
+    const QString address = QStringLiteral("http://127.0.0.1:%1%2").arg(fixture.server.port());
+    writeStored("serverURL", address.arg(path));
+    fixture.client().checkForUpdate();
+    QTRY_COMPARE(fixture.server.requests().size(), 1);
+    QCOMPARE(fixture.server.requests().first().method, QByteArray("GET"));
+    QTEST(fixture.server.requests().first().target, "target");
+}
+
+void tst_ClientUpdateRequest::sendsAContentTypeAndNoBody()
+{
+    ClientFixture fixture;
+    fixture.start();
+    QVERIFY(fixture.check());
+    const auto headers = fixture.server.requests().first().headers;
+    QCOMPARE(headers.value("content-type"), QByteArray("text/xml"));
+    QVERIFY(!headers.contains("content-length"));
+    QVERIFY(fixture.log.contains(1, performed + fixture.server.url().toString()));
+}
+
+void tst_ClientUpdateRequest::addressOfTheDialogCounts()
+{
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    writeStored("serverURL", fixture.server.url("/saved").toString());
+    SoftwareUpdateDialog* dialog = fixture.openSettingsDialog();
+    auto* address = dialog->findChild<QLineEdit*>("updateServerLineEdit");
+    address->setText(fixture.server.url("/typed").toString());
+    QTest::mouseClick(dialog->findChild<QPushButton*>("updatePushButton"), Qt::LeftButton);
+    QTRY_COMPARE(fixture.server.requests().size(), 1);
+    QCOMPARE(fixture.server.requests().first().path, QStringLiteral("/typed"));
+    QCOMPARE(client.record().serverURL, fixture.server.url("/saved").toString());
+}
+
+void tst_ClientUpdateRequest::dialogChecksEvenWhenCheckingIsOff()
+{
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    writeStored("doUpdateCheck", false);
+    SoftwareUpdateDialog* dialog = fixture.openSettingsDialog();
+    QTest::mouseClick(dialog->findChild<QPushButton*>("updatePushButton"), Qt::LeftButton);
+    QTRY_COMPARE(fixture.server.requests().size(), 1);
+    QVERIFY(!client.record().lastCheck.isNull());
+    QCOMPARE(client.record().doUpdateCheck, false);
+}
+
+void tst_ClientUpdateRequest::emptyAddressEndsInAnError()
+{
+    ClientFixture fixture;
+    writeStored("serverURL", "");
+    fixture.start();
+    QVERIFY(fixture.check());
+    QCOMPARE(fixture.log.lines(3).size(), 1);
+    QVERIFY(fixture.server.requests().isEmpty());
+}
+
+void tst_ClientUpdateRequest::noProxyByDefault()
+{
+    ClientFixture fixture;
+    fixture.start();
+    QVERIFY(fixture.check());
+    QCOMPARE(fixture.server.requests().first().target, QByteArray("/"));
+}
+
+void tst_ClientUpdateRequest::proxyOfTheNodeDatabase()
+{
+    ClientFixture fixture;
+    fixture.startBehindProxy();
+    QVERIFY(fixture.check());
+    QCOMPARE(fixture.server.requests().size(), 1);
+    QCOMPARE(fixture.server.requests().first().target, QByteArray("http://update.example/"));
+    QCOMPARE(fixture.server.requests().first().host, QByteArray("update.example"));
+}
+
+void tst_ClientUpdateRequest::proxyWithPassword()
+{
+    ClientFixture fixture;
+    fixture.startBehindProxy();
+    fixture.offer(nothingNew());
+    fixture.server.setProxyPassword("user", "secret");
+    NodeDB::getDB().setGlobalProxy(
+        NetworkProxy(true, "127.0.0.1", fixture.server.port(), "user", "secret"));
+    QVERIFY(fixture.check());
+    QVERIFY(fixture.log.contains(1, upToDate));
+
+    NodeDB::getDB().setGlobalProxy(
+        NetworkProxy(true, "127.0.0.1", fixture.server.port(), "user", "wrong"));
+    fixture.log.clear();
+    QVERIFY(fixture.check());
+    QVERIFY(!fixture.log.contains(1, upToDate));
+    QCOMPARE(fixture.log.lines(3).size(), 1);
+}
+
+void tst_ClientUpdateRequest::proxyIsAskedForEveryRequest()
+{
+    ClientFixture fixture;
+    fixture.startBehindProxy();
+    QVERIFY(fixture.check());
+    NodeDB::getDB().setGlobalProxy(NetworkProxy());
+    writeStored("serverURL", fixture.server.url().toString());
+    QVERIFY(fixture.check());
+    QCOMPARE(fixture.server.requests().size(), 2);
+    QCOMPARE(fixture.server.requests().last().target, QByteArray("/"));
+}
+
+void tst_ClientUpdateRequest::systemProxyIsNotUsed()
+{
+    ClientFixture fixture;
+    fixture.start();
+    qputenv("http_proxy", "http://127.0.0.1:1/");
+    QNetworkProxyFactory::setUseSystemConfiguration(true);
+    const bool ended = fixture.check();
+    QNetworkProxyFactory::setUseSystemConfiguration(false);
+    qunsetenv("http_proxy");
+    QVERIFY(ended);
+    QCOMPARE(fixture.server.requests().size(), 1);
+}
+
+void tst_ClientUpdateRequest::proxyObjects()
+{
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    const QNetworkProxy none = client.networkProxy();
+    QCOMPARE(none.type(), QNetworkProxy::NoProxy);
+    QVERIFY(none.hostName().isNull());
+    QCOMPARE(none.port(), quint16(0));
+    QVERIFY(none.user().isNull());
+    QVERIFY(none.password().isNull());
+
+    NodeDB::getDB().setGlobalProxy(NetworkProxy(true, "proxy.example", 3128, "user", "secret"));
+    const QNetworkProxy proxy = client.networkProxy();
+    QCOMPARE(proxy.type(), QNetworkProxy::HttpProxy);
+    QCOMPARE(proxy.hostName(), QStringLiteral("proxy.example"));
+    QCOMPARE(proxy.port(), quint16(3128));
+    QCOMPARE(proxy.user(), QStringLiteral("user"));
+    QCOMPARE(proxy.password(), QStringLiteral("secret"));
+
+    NodeDB::getDB().setGlobalProxy(NetworkProxy(false, "proxy.example", 3128, "user", "secret"));
+    QCOMPARE(client.networkProxy(), none);
+}
+
+void tst_ClientUpdateRequest::passwordsStayOutOfTheLog()
+{
+    ClientFixture fixture;
+    fixture.start();
+    QUrl address = fixture.server.url();
+    address.setUserInfo("user:secret");
+    writeStored("serverURL", address.toString());
+    QVERIFY(fixture.check());
+    QVERIFY(!fixture.log.lines(1).join(' ').contains("secret"));
+    QVERIFY(fixture.log.lines(1).join(' ').contains("http://user@127.0.0.1"));
+}
+
+void tst_ClientUpdateRequest::oneTimerServesAllChecks()
+{
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    QVERIFY(!client.requestTimer());
+    QVERIFY(fixture.check());
+    const QTimer* timer = client.requestTimer();
+    QVERIFY(timer);
+    QVERIFY(!timer->isActive());
+    client.checkForUpdate();
+    QCOMPARE(client.requestTimer(), timer);
+    QVERIFY(timer->isActive());
+    QVERIFY(timer->isSingleShot());
+    QCOMPARE(timer->interval(), 15000);
+    QCOMPARE(client.findChildren<QTimer*>().size(), 2);
+}
+
+void tst_ClientUpdateRequest::timeIsStoredBeforeTheOutcome()
+{
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    const QDateTime before = QDateTime::currentDateTime();
+    client.checkForUpdate();
+    const QDateTime after = QDateTime::currentDateTime();
+    const QDateTime lastCheck = stored("lastCheck").toDateTime();
+    QVERIFY(before <= lastCheck && lastCheck <= after);
+    QVERIFY(client.requestTimer()->isActive());
+}
+
+void tst_ClientUpdateRequest::secondCheckDuringTheFirst()
+{
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    ServedReply reply;
+    reply.body = catalogueXml(nothingNew());
+    reply.delayMs = 200;
+    fixture.server.setReply("/", reply);
+
+    client.checkForUpdate();
+    QTest::qWait(50);
+    const int remaining = client.requestTimer()->remainingTime();
+    client.checkForUpdate();
+    QVERIFY(client.requestTimer()->remainingTime() > remaining);
+    QTRY_COMPARE(fixture.server.requests().size(), 2);
+    QTRY_VERIFY(!client.requestTimer()->isActive());
+    QCOMPARE(fixture.log.count(1, performed + fixture.server.url().toString()), 2);
+
+    // The reply that is left must not end a check that begins later.
+    reply.delayMs = 400;
+    fixture.server.setReply("/", reply);
+    client.checkForUpdate();
+    QTest::qWait(250);
+    QVERIFY(client.requestTimer()->isActive());
+    QCOMPARE(fixture.log.count(1, upToDate), 1);
+    QTRY_COMPARE(fixture.log.count(1, upToDate), 2);
+}
+
+void tst_ClientUpdateRequest::statusToRequire()
+{
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    QCOMPARE(client.transformReleaseStatus(true), QString());
+    QCOMPARE(client.transformReleaseStatus(false), QStringLiteral("STABLE"));
+}
+
+VX_TEST_MAIN(tst_ClientUpdateRequest)
+#include "tst_ClientUpdateRequest.moc"
