@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <cmath>
+#include <initializer_list>
 #include <limits>
 
 #include "download/DownloadManager.h"
@@ -43,6 +45,60 @@ QString compoundSuffix(const QString& last, const QString& beforeIt)
     return last;
 }
 
+/** The number that @p count digits from @p from on make, or -1 if there is anything else. */
+int digits(const QString& text, int from, int count)
+{
+    int number = 0;
+    for (int i = from; i < from + count; ++i) {
+        const ushort character = text.at(i).unicode();
+        if (character < '0' || character > '9') {
+            return -1;
+        }
+        number = number * 10 + (character - '0');
+    }
+    return number;
+}
+
+bool hasCharactersAt(const QString& text, std::initializer_list<int> places, char character)
+{
+    return std::all_of(places.begin(), places.end(), [&text, character](int place) {
+        return text.at(place) == QLatin1Char(character);
+    });
+}
+
+QDate plainDate(const QString& text)
+{
+    const int year = digits(text, 0, 4);
+    if (year < 0 || !hasCharactersAt(text, {4, 7}, '-')) {
+        return {};
+    }
+    return {year, digits(text, 5, 2), digits(text, 8, 2)};
+}
+
+QTime plainTime(const QString& text)
+{
+    if (text.at(10) != QLatin1Char(' ') || !hasCharactersAt(text, {13, 16}, ':')) {
+        return {};
+    }
+    return {digits(text, 11, 2), digits(text, 14, 2), digits(text, 17, 2)};
+}
+
+/**
+ * What QDateTime::fromString gives for a text plainly of one of the two forms, and an invalid time
+ * for any other. The general parser takes as long for one time as all else for a whole package.
+ */
+QDateTime plainDateTime(const QString& text)
+{
+    if (text.length() == 10) {
+        return QDateTime(plainDate(text), QTime(0, 0));
+    }
+    if (text.length() == 19) {
+        const QTime time = plainTime(text);
+        return time.isValid() ? QDateTime(plainDate(text), time) : QDateTime();
+    }
+    return {};
+}
+
 } // namespace
 
 quintptr DownloadManager::parseFileSize(const QString& text)
@@ -58,6 +114,10 @@ quintptr DownloadManager::parseFileSize(const QString& text)
 
 QDateTime DownloadManager::parseReleaseDate(const QString& text)
 {
+    const QDateTime plain = plainDateTime(text);
+    if (plain.isValid()) {
+        return plain;
+    }
     const QDateTime withTime = QDateTime::fromString(text, QStringLiteral("yyyy-MM-dd hh:mm:ss"));
     if (withTime.isValid()) {
         return withTime;

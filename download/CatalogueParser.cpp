@@ -2,57 +2,99 @@
 
 #include <memory>
 
-#include "download/CatalogueSet.h"
+#include "download/CatalogueLevel.h"
 #include "download/DownloadManager.h"
+#include "download/ReadingBudget.h"
 #include "host/CoreQt/ParseException.h"
 #include "host/FileFormatsXml/XmlUtils.h"
 #include "package/LogLine.h"
 
 namespace vx {
 
+namespace {
+
+void fillRecord(CatalogueLevel& start, ReadingBudget& budget, PackageInfo& info)
+{
+    info.type = start.value(TypeField);
+    info.name = start.value(NameField);
+    info.publicName = start.value(PublicNameField);
+    start.addWords(PlatformField, info.platforms);
+    info.release = start.value(ReleaseField);
+    info.publicRelease = start.value(PublicReleaseField);
+    info.status = start.value(StatusField);
+    const QString date = start.value(DateField);
+    info.date = DownloadManager::parseReleaseDate(date);
+    // Plain concatenation: catalogues may cut an address in two anywhere.
+    const QString address = start.value(BaseUrlField) + start.value(UrlField);
+    info.url = QUrl(address);
+    start.addWords(LanguageField, info.languages);
+    start.addUrls(ReleaseNotesField, info.relNotes);
+    start.addUrls(ReadmeField, info.readme);
+    const QString fileSize = start.value(FileSizeField);
+    info.fileSize = DownloadManager::parseFileSize(fileSize);
+    info.packageType = DownloadManager::parsePackageSuffix(info.url.toString());
+    info.comment = start.value(CommentField);
+    budget.spend(date.size() + address.size() + fileSize.size());
+}
+
+void readPackage(const QDomElement& elm, CatalogueLevel* set, ReadingBudget& budget,
+                 PackageInfo& info)
+{
+    CatalogueLevel package(elm, set, budget);
+    if (package.file().isNull()) {
+        fillRecord(package, budget, info);
+    } else {
+        CatalogueLevel file(package.file(), &package, budget);
+        fillRecord(file, budget, info);
+    }
+}
+
+void readSet(const QDomElement& elm, CatalogueLevel& set, ReadingBudget& budget,
+             PackageInfoList& result)
+{
+    for (QDomElement package = elm.firstChildElement(DownloadManager::PACKAGE); !package.isNull();
+         package = package.nextSiblingElement(DownloadManager::PACKAGE)) {
+        PackageInfo info;
+        readPackage(package, &set, budget, info);
+        result.append(info);
+    }
+    for (QDomElement nested = elm.firstChildElement(DownloadManager::PACKAGE_SET); !nested.isNull();
+         nested = nested.nextSiblingElement(DownloadManager::PACKAGE_SET)) {
+        CatalogueLevel level(nested, &set, budget);
+        readSet(nested, level, budget, result);
+    }
+}
+
+} // namespace
+
 PackageInfoList DownloadManager::parseXML(QIODevice* device)
 {
-    PackageInfoList packages;
     try {
+        PackageInfoList packages;
         const std::unique_ptr<QDomDocument> document(XmlUtils::parseXml(device, nullptr));
         parseSet(document->documentElement(), packages);
+        return packages;
     } catch (const ParseException&) {
         // To a caller a broken document is the same as one without packages.
         logLine(2, QStringLiteral("XML parser error"));
+        return {};
     }
-    return packages;
 }
 
 void DownloadManager::parseSet(const QDomElement& elm, PackageInfoList& result)
 {
-    CatalogueSet set(elm);
-    set.visitChildren(PACKAGE, [&result](const QDomElement& package) {
-        PackageInfo info;
-        parsePackage(package, info);
-        result.append(info);
-    });
-    set.visitChildren(PACKAGE_SET,
-                      [&result](const QDomElement& nested) { parseSet(nested, result); });
+    ReadingBudget budget;
+    std::list<CatalogueLevel> levels = levelsDownTo(elm, budget);
+    if (!levels.empty()) {
+        readSet(elm, levels.back(), budget, result);
+    }
 }
 
 void DownloadManager::parsePackage(const QDomElement& elm, PackageInfo& info)
 {
-    info.type = findString(elm, TYPE);
-    info.name = findString(elm, NAME);
-    info.publicName = findString(elm, NAME_PUBLIC);
-    findAllStrings(elm, PLATFORM, info.platforms);
-    info.release = findString(elm, RELEASE_VERSION);
-    info.publicRelease = findString(elm, RELEASE_VERSION_PUBLIC);
-    info.status = findString(elm, RELEASE_STATUS);
-    info.date = parseReleaseDate(findString(elm, RELEASE_DATE));
-    // Plain concatenation: catalogues may split an address anywhere.
-    info.url = QUrl(findString(elm, BASE_URL) + findString(elm, URL));
-    findAllStrings(elm, LANGUAGE, info.languages);
-    findAllTranslatedUrls(elm, RELEASE_NOTES, info.relNotes);
-    findAllTranslatedUrls(elm, README, info.readme);
-    info.fileSize = parseFileSize(findString(elm, FILE_SIZE));
-    info.packageType = parsePackageSuffix(info.url.toString());
-    info.comment = findString(elm, COMMENT);
+    ReadingBudget budget;
+    std::list<CatalogueLevel> levels = levelsDownTo(elm.parentNode(), budget);
+    readPackage(elm, levels.empty() ? nullptr : &levels.back(), budget, info);
 }
 
 } // namespace vx

@@ -1,13 +1,10 @@
-#include <optional>
+#include "download/CatalogueSearch.h"
 
 #include "download/DownloadManager.h"
 #include "host/CoreQt/DeprecatedQt.h"
 
 namespace vx {
 
-namespace {
-
-/** The value that stands at one level, or none. An empty one is a value. */
 std::optional<QString> valueAt(const QDomNode& level, const QString& tagname)
 {
     const QDomElement child = level.firstChildElement(tagname);
@@ -21,56 +18,10 @@ std::optional<QString> valueAt(const QDomNode& level, const QString& tagname)
     return std::nullopt;
 }
 
-/** The value nearest to @p level, from there upwards. */
-QString climb(QDomNode level, const QString& tagname)
+void insertTranslatedUrl(UrlMap& urls, const QString& language, const QUrl& address)
 {
-    for (; !level.isNull(); level = level.parentNode()) {
-        if (const std::optional<QString> value = valueAt(level, tagname)) {
-            return *value;
-        }
-    }
-    return {};
+    insertMulti(urls, language.isEmpty() ? QStringLiteral("en") : language, address);
 }
-
-/**
- * One field of the translated URLs of a level. Elements that do not say it themselves all inherit
- * the same value, which is looked up once for all of them: many would each search the others.
- */
-class UrlField
-{
-public:
-    UrlField(const QDomNode& level, const QString& tagname)
-        : m_level(level)
-        , m_tagname(tagname)
-    {}
-
-    /** The value for @p element, a child of the level. */
-    QString of(const QDomElement& element)
-    {
-        QDomNode node = DownloadManager::startSearchAt(element);
-        for (; node != m_level; node = node.parentNode()) {
-            if (const std::optional<QString> own = valueAt(node, m_tagname)) {
-                return *own;
-            }
-        }
-        if (!m_inherited) {
-            m_inherited = climb(m_level, m_tagname);
-        }
-        return *m_inherited;
-    }
-
-private:
-    QDomNode m_level;
-    QString m_tagname;
-    std::optional<QString> m_inherited;
-};
-
-void insertUrl(UrlMap& urls, const QString& language, const QString& address)
-{
-    insertMulti(urls, language.isEmpty() ? QStringLiteral("en") : language, QUrl(address));
-}
-
-} // namespace
 
 QDomNode DownloadManager::startSearchAt(const QDomNode& elm)
 {
@@ -80,7 +31,13 @@ QDomNode DownloadManager::startSearchAt(const QDomNode& elm)
 
 QString DownloadManager::findString(const QDomNode& elm, const QString& tagname)
 {
-    return climb(startSearchAt(elm), tagname);
+    for (QDomNode level = startSearchAt(elm); !level.isNull(); level = level.parentNode()) {
+        // An empty value is one, too, and hides those above it.
+        if (const std::optional<QString> value = valueAt(level, tagname)) {
+            return *value;
+        }
+    }
+    return {};
 }
 
 int DownloadManager::findAllStrings(const QDomNode& elm, const QString& tagname, QStringSet& result)
@@ -108,16 +65,15 @@ int DownloadManager::findAllTranslatedUrls(const QDomNode& elm, const QString& t
 {
     int count = 0;
     for (QDomNode level = startSearchAt(elm); !level.isNull(); level = level.parentNode()) {
-        UrlField language(level, LANGUAGE);
-        UrlField address(level, URL);
         for (QDomElement child = level.firstChildElement(tagname); !child.isNull();
              child = child.nextSiblingElement(tagname)) {
-            insertUrl(result, language.of(child), address.of(child));
+            insertTranslatedUrl(result, findString(child, LANGUAGE), QUrl(findString(child, URL)));
             ++count;
         }
         const QDomElement element = level.toElement();
         if (element.hasAttribute(tagname)) {
-            insertUrl(result, findString(level, LANGUAGE), element.attribute(tagname));
+            insertTranslatedUrl(result, findString(level, LANGUAGE),
+                                QUrl(element.attribute(tagname)));
             ++count;
         }
     }

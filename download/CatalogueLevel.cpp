@@ -1,0 +1,188 @@
+#include "download/CatalogueLevel.h"
+
+#include "download/CatalogueSearch.h"
+#include "download/DownloadManager.h"
+#include "download/ReadingBudget.h"
+#include "host/CoreQt/DeprecatedQt.h"
+
+namespace vx {
+
+namespace {
+
+/** The text of @p element, shared with the document where it stands there in one piece. */
+QString textOf(const QDomElement& element)
+{
+    const QDomNode only = element.firstChild();
+    if (only.isText() && only.nextSibling().isNull()) {
+        return only.nodeValue();
+    }
+    return element.text();
+}
+
+/** Adds @p more to @p target, which shares the set if it has nothing else. */
+void addAll(QStringSet& target, const QStringSet& more)
+{
+    if (target.isEmpty()) {
+        target = more;
+    } else {
+        target.unite(more);
+    }
+}
+
+} // namespace
+
+CatalogueLevel::CatalogueLevel(const QDomNode& node, CatalogueLevel* outer, ReadingBudget& budget)
+    : m_element(node.toElement())
+    , m_outer(outer)
+    , m_budget(budget)
+{
+    for (QDomElement child = node.firstChildElement(); !child.isNull();
+         child = child.nextSiblingElement()) {
+        take(child);
+    }
+}
+
+void CatalogueLevel::take(const QDomElement& child)
+{
+    const QString tagname = child.tagName();
+    const int field = fieldOf(tagname);
+    if (field < 0) {
+        if (m_file.isNull() && tagname == DownloadManager::FILE) {
+            m_file = child;
+        }
+        return;
+    }
+    if (field < singleFieldCount && !m_values[field]) {
+        m_values[field] = textOf(child);
+    }
+    if (field >= firstGatheredField) {
+        m_elements[field - firstGatheredField].append(child);
+    }
+}
+
+const QVector<QDomElement>& CatalogueLevel::elements(CatalogueField field) const
+{
+    return m_elements[field - firstGatheredField];
+}
+
+std::optional<QString> CatalogueLevel::attribute(CatalogueField field) const
+{
+    if (m_element.hasAttribute(tagOf(field))) {
+        return m_element.attribute(tagOf(field));
+    }
+    return std::nullopt;
+}
+
+const QString& CatalogueLevel::value(CatalogueField field)
+{
+    std::optional<QString>& value = m_values[field];
+    if (!value) {
+        value = attribute(field);
+    }
+    if (!value) {
+        value = m_outer != nullptr ? m_outer->value(field) : QString();
+    }
+    return *value;
+}
+
+void CatalogueLevel::addWords(CatalogueField field, QStringSet& words)
+{
+    addAll(words, wordsFromHere(field));
+}
+
+const QStringSet& CatalogueLevel::wordsFromHere(CatalogueField field)
+{
+    std::optional<QStringSet>& words = m_words[field - firstGatheredField];
+    if (!words) {
+        words = ownWords(field);
+        const QStringSet inherited =
+            m_outer != nullptr ? m_outer->wordsFromHere(field) : QStringSet();
+        if (!words->isEmpty()) {
+            m_budget.spend((words->size() + inherited.size()) * ReadingBudget::entry);
+        }
+        addAll(*words, inherited);
+    }
+    return *words;
+}
+
+QStringSet CatalogueLevel::ownWords(CatalogueField field) const
+{
+    QStringSet words;
+    const auto add = [&words](const QString& text) {
+        addAll(words, StringUtils::splitStringSet(text, StringUtils::splitWords, skipEmptyParts));
+    };
+    for (const QDomElement& element : elements(field)) {
+        add(textOf(element));
+    }
+    if (const std::optional<QString> text = attribute(field)) {
+        add(*text);
+    }
+    return words;
+}
+
+void CatalogueLevel::addUrls(CatalogueField field, UrlMap& urls)
+{
+    for (CatalogueLevel* level = this; level != nullptr; level = level->m_outer) {
+        for (const auto& [language, address] : level->ownUrls(field)) {
+            m_budget.spend(ReadingBudget::entry + language.size());
+            insertTranslatedUrl(urls, language, address);
+        }
+    }
+}
+
+const CatalogueLevel::Urls& CatalogueLevel::ownUrls(CatalogueField field)
+{
+    std::optional<Urls>& urls = m_urls[field - firstGatheredField];
+    if (!urls) {
+        urls = readOwnUrls(field);
+    }
+    return *urls;
+}
+
+CatalogueLevel::Urls CatalogueLevel::readOwnUrls(CatalogueField field)
+{
+    Urls urls;
+    for (const QDomElement& element : elements(field)) {
+        const QString address = valueFor(element, UrlField);
+        m_budget.spend(address.size());
+        urls.append({valueFor(element, LanguageField), QUrl(address)});
+    }
+    if (const std::optional<QString> address = attribute(field)) {
+        urls.append({languageOfAttribute(), QUrl(*address)});
+    }
+    return urls;
+}
+
+/** The value of a field of a translated URL: its own, or else what this level gives them all. */
+QString CatalogueLevel::valueFor(const QDomElement& urlElement, CatalogueField field)
+{
+    const QDomNode start = DownloadManager::startSearchAt(urlElement);
+    std::optional<QString> own = valueAt(start, tagOf(field));
+    if (!own && start != urlElement) {
+        own = valueAt(urlElement, tagOf(field));
+    }
+    return own ? *own : value(field);
+}
+
+/** The search for it begins at this level, and so at its file, if it has one. */
+QString CatalogueLevel::languageOfAttribute()
+{
+    const std::optional<QString> inFile = valueAt(m_file, tagOf(LanguageField));
+    return inFile ? *inFile : value(LanguageField);
+}
+
+std::list<CatalogueLevel> levelsDownTo(const QDomNode& innermost, ReadingBudget& budget)
+{
+    QVector<QDomNode> nodes;
+    for (QDomNode node = innermost; !node.isNull(); node = node.parentNode()) {
+        nodes.prepend(node);
+    }
+    std::list<CatalogueLevel> levels;
+    for (const QDomNode& node : qAsConst(nodes)) {
+        CatalogueLevel* const outer = levels.empty() ? nullptr : &levels.back();
+        levels.emplace_back(node, outer, budget);
+    }
+    return levels;
+}
+
+} // namespace vx

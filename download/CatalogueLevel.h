@@ -1,0 +1,81 @@
+#pragma once
+
+#include <QPair>
+#include <QString>
+#include <QUrl>
+#include <QVector>
+#include <QtXml/QDomElement>
+#include <QtXml/QDomNode>
+
+#include <array>
+#include <list>
+#include <optional>
+
+#include "download/CatalogueFields.h"
+#include "package/PackageInfo.h"
+
+namespace vx {
+
+class ReadingBudget;
+
+/**
+ * One level of the way from a package to the root, with its fields at hand.
+ *
+ * It answers what DownloadManager::findString, findAllStrings and findAllTranslatedUrls answer for
+ * a search that starts at its node. They look among all children of every level for every field of
+ * every package, and among thousands of packages that takes the square of their number; a level
+ * goes through its children once. The levels of the sets are kept while their packages are read,
+ * and what a set gives is kept with it, so that all its packages share one text.
+ *
+ * The document must not change while a level lives.
+ */
+class CatalogueLevel
+{
+public:
+    /**
+     * @param outer the level of the parent node, or null at the outermost. It must live longer.
+     * @param budget what the reading of records is charged to. It must live longer.
+     */
+    CatalogueLevel(const QDomNode& node, CatalogueLevel* outer, ReadingBudget& budget);
+    CatalogueLevel(const CatalogueLevel&) = delete;
+    CatalogueLevel& operator=(const CatalogueLevel&) = delete;
+
+    /** The first FILE element, where a search for fields of this node begins, or a null one. */
+    const QDomElement& file() const { return m_file; }
+
+    /** The nearest value of a single field. */
+    const QString& value(CatalogueField field);
+
+    /** Adds the words of every LanguageField or PlatformField from here upwards. */
+    void addWords(CatalogueField field, QStringSet& words);
+
+    /** Adds every ReleaseNotesField or ReadmeField from here upwards, the nearest first. */
+    void addUrls(CatalogueField field, UrlMap& urls);
+
+private:
+    using Urls = QVector<QPair<QString, QUrl>>;
+
+    void take(const QDomElement& child);
+    const QVector<QDomElement>& elements(CatalogueField field) const;
+    std::optional<QString> attribute(CatalogueField field) const;
+    const QStringSet& wordsFromHere(CatalogueField field);
+    QStringSet ownWords(CatalogueField field) const;
+    const Urls& ownUrls(CatalogueField field);
+    Urls readOwnUrls(CatalogueField field);
+    QString valueFor(const QDomElement& urlElement, CatalogueField field);
+    QString languageOfAttribute();
+
+    QDomElement m_element; ///< null for a document
+    CatalogueLevel* m_outer;
+    ReadingBudget& m_budget;
+    QDomElement m_file;
+    std::array<std::optional<QString>, singleFieldCount> m_values;
+    std::array<QVector<QDomElement>, gatheredFieldCount> m_elements;
+    std::array<std::optional<QStringSet>, gatheredFieldCount> m_words;
+    std::array<std::optional<Urls>, gatheredFieldCount> m_urls;
+};
+
+/** The levels from the outermost down to @p innermost; none if that is null. */
+std::list<CatalogueLevel> levelsDownTo(const QDomNode& innermost, ReadingBudget& budget);
+
+} // namespace vx
