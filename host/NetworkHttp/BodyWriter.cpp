@@ -30,7 +30,8 @@ bool BodyWriter::put(const char* bytes, qint64 size)
 
 void BodyWriter::flush()
 {
-    if (auto* const file = qobject_cast<QFileDevice*>(m_device.data())) {
+    auto* const file = qobject_cast<QFileDevice*>(m_device.data());
+    if (file != nullptr && file->isOpen()) {
         file->flush();
     }
 }
