@@ -41,17 +41,21 @@ public:
     /**
      * Replaces the rows and clears titles, selection and comment.
      *
-     * The first row decides how many columns there are. Ends by reporting the empty selection with
-     * currentItemsChangedSig(), so that signals must be connected before. An empty list leaves a
-     * table without items and with the rows and columns it had, is logged at level 3, and reports
-     * nothing.
+     * The first row decides how many columns there are; strings beyond them are left out. Ends by
+     * reporting the empty selection with currentItemsChangedSig(), so that signals must be
+     * connected before. An empty list leaves a table without items and with the rows and columns it
+     * had, is logged at level 3, and ends without that report.
+     *
+     * If rows were selected, dropping them reports the empty selection, too, before the table is
+     * filled.
      */
     void setTableEntries(QList<QStringList> const& entries);
 
     /**
      * Hides exactly the rows listed and shows all others.
      *
-     * Rows that the table does not have are ignored. Hiding a selected row does not deselect it.
+     * Rows that the table does not have are ignored. Hiding a selected row does not deselect it: it
+     * is left out of what is reported while it is hidden, and is in it again once it is shown.
      */
     void setHiddenEntries(QList<int> rows);
 

@@ -2,17 +2,14 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDialogButtonBox>
-#include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
 #include <QProgressBar>
-#include <QPushButton>
 #include <QSignalSpy>
 #include <QtTest>
 
-#include "tests/dialogs/ChildAccess.h"
 #include "tests/dialogs/HeldModifier.h"
+#include "tests/dialogs/SettingsDialogAccess.h"
 #include "tests/support/TestMain.h"
 
 using namespace vx::test;
@@ -21,59 +18,14 @@ using vx::SoftwareUpdateDialogSettings;
 
 namespace {
 
-SoftwareUpdateDialogSettings sampleSettings()
-{
-    SoftwareUpdateDialogSettings settings;
-    settings.doUpdateCheck = true;
-    settings.checkForBeta = true;
-    settings.updateInterval = 2;
-    settings.serverURL = "http://updates.example.com/catalogue.xml";
-    settings.versionText = "4.2.1";
-    settings.lastCheckText = "Friday, 21 November 2025 10:00:00";
-    return settings;
-}
-
-// Written out by fields, so that a failure names the field.
-QVariantList fields(const SoftwareUpdateDialogSettings& settings)
-{
-    return {settings.doUpdateCheck, settings.checkForBeta, settings.updateInterval,
-            settings.serverURL,     settings.versionText,  settings.lastCheckText};
-}
-
-const char* const hiddenFields[] = {"checkForBetaCheckBox", "updateServerLabel",
-                                    "updateServerLineEdit"};
-
-QList<bool> visibleFields(const SoftwareUpdateDialog& dialog)
-{
-    QList<bool> result;
-    for (const char* name : hiddenFields) {
-        result.append(!child<QWidget>(dialog, name).isHidden());
-    }
-    return result;
-}
-
 const QList<bool> none = {false, false, false};
 const QList<bool> all = {true, true, true};
-
-QPushButton& standardButton(const SoftwareUpdateDialog& dialog,
-                            QDialogButtonBox::StandardButton which)
-{
-    return *child<QDialogButtonBox>(dialog, "buttonBox").button(which);
-}
-
-QString textOf(const SoftwareUpdateDialog& dialog, const char* label)
-{
-    return child<QLabel>(dialog, label).text();
-}
 
 } // namespace
 
 class SoftwareUpdateDialogTest : public QObject
 {
     Q_OBJECT
-
-public slots:
-    void receive(const SoftwareUpdateDialogSettings& settings) { m_received = fields(settings); }
 
 private slots:
     void startsRecordWithDefaults();
@@ -97,20 +49,6 @@ private slots:
     void startsWithoutProgress();
     void showsAndHidesProgress();
     void showsNotification();
-    void reportsCheckNow();
-    void appliesBeforeItCloses();
-    void appliesHiddenFieldsUnchanged();
-    void discardsOnCancel_data();
-    void discardsOnCancel();
-    void confirmsByEnter();
-    void appliesByRole_data();
-    void appliesByRole();
-    void appliesOnDirectCall();
-    void passesSettingsThroughQueue();
-    void neverForcesUpdateAvailable();
-
-private:
-    QVariantList m_received;
 };
 
 void SoftwareUpdateDialogTest::startsRecordWithDefaults()
@@ -390,159 +328,6 @@ void SoftwareUpdateDialogTest::showsNotification()
     QCOMPARE(textOf(dialog, "updateNotificationLabel"), QString("No update available!"));
     dialog.setNotificationText("");
     QCOMPARE(textOf(dialog, "updateNotificationLabel"), QString());
-}
-
-void SoftwareUpdateDialogTest::reportsCheckNow()
-{
-    SoftwareUpdateDialog dialog(nullptr, {});
-    dialog.show();
-    const QSignalSpy checks(&dialog, SIGNAL(checkForUpdate()));
-    const QSignalSpy applied(&dialog, SIGNAL(applySettings(SoftwareUpdateDialogSettings)));
-    click(dialog, "updatePushButton");
-    QCOMPARE(checks.count(), 1);
-    QTest::keyClick(&child<QWidget>(dialog, "updatePushButton"), Qt::Key_Space);
-    QCOMPARE(checks.count(), 2);
-    QCOMPARE(applied.count(), 0);
-    QVERIFY(dialog.isVisible());
-}
-
-void SoftwareUpdateDialogTest::appliesBeforeItCloses()
-{
-    SoftwareUpdateDialog dialog(nullptr, {});
-    dialog.setDialogSettings(sampleSettings());
-    dialog.show();
-    QStringList order;
-    QVariantList applied;
-    connect(&dialog, &SoftwareUpdateDialog::applySettings, this,
-            [&](const SoftwareUpdateDialogSettings& settings) {
-                order.append(dialog.isVisible() ? "applied while open" : "applied too late");
-                applied = fields(settings);
-            });
-    connect(&dialog, &QDialog::accepted, this, [&] { order.append("accepted"); });
-    connect(&dialog, &QDialog::rejected, this, [&] { order.append("rejected"); });
-    QTest::mouseClick(&standardButton(dialog, QDialogButtonBox::Ok), Qt::LeftButton);
-    QCOMPARE(order, QStringList({"applied while open", "accepted"}));
-    QCOMPARE(applied, fields(sampleSettings()));
-    QVERIFY(!dialog.isVisible());
-    QCOMPARE(dialog.result(), int(QDialog::Accepted));
-}
-
-void SoftwareUpdateDialogTest::appliesHiddenFieldsUnchanged()
-{
-    SoftwareUpdateDialog dialog(nullptr, {});
-    QCOMPARE(visibleFields(dialog), none);
-    dialog.setDialogSettings(sampleSettings());
-    dialog.show();
-    QSignalSpy applied(&dialog, SIGNAL(applySettings(SoftwareUpdateDialogSettings)));
-    QTest::mouseClick(&standardButton(dialog, QDialogButtonBox::Ok), Qt::LeftButton);
-    QCOMPARE(applied.count(), 1);
-    const auto settings = applied.at(0).at(0).value<SoftwareUpdateDialogSettings>();
-    QCOMPARE(settings.checkForBeta, true);
-    QCOMPARE(settings.serverURL, sampleSettings().serverURL);
-}
-
-void SoftwareUpdateDialogTest::discardsOnCancel_data()
-{
-    QTest::addColumn<bool>("byKey");
-    QTest::newRow("button") << false;
-    QTest::newRow("escape") << true;
-}
-
-void SoftwareUpdateDialogTest::discardsOnCancel()
-{
-    QFETCH(bool, byKey);
-    SoftwareUpdateDialog dialog(nullptr, {});
-    dialog.setDialogSettings(sampleSettings());
-    dialog.show();
-    const QSignalSpy applied(&dialog, SIGNAL(applySettings(SoftwareUpdateDialogSettings)));
-    const QSignalSpy rejected(&dialog, SIGNAL(rejected()));
-    if (byKey) {
-        QTest::keyClick(&dialog, Qt::Key_Escape);
-    } else {
-        QTest::mouseClick(&standardButton(dialog, QDialogButtonBox::Cancel), Qt::LeftButton);
-    }
-    QCOMPARE(applied.count(), 0);
-    QCOMPARE(rejected.count(), 1);
-    QVERIFY(!dialog.isVisible());
-}
-
-void SoftwareUpdateDialogTest::confirmsByEnter()
-{
-    SoftwareUpdateDialog dialog(nullptr, {});
-    dialog.show();
-    QVERIFY(QTest::qWaitForWindowActive(&dialog));
-    const QSignalSpy applied(&dialog, SIGNAL(applySettings(SoftwareUpdateDialogSettings)));
-    QTest::keyClick(&child<QWidget>(dialog, "updateCheckBox"), Qt::Key_Return);
-    QCOMPARE(applied.count(), 1);
-    QVERIFY(!dialog.isVisible());
-}
-
-void SoftwareUpdateDialogTest::appliesByRole_data()
-{
-    QTest::addColumn<int>("button");
-    QTest::addColumn<int>("applied");
-    QTest::newRow("accept role") << int(QDialogButtonBox::Ok) << 1;
-    QTest::newRow("accept role of another button") << int(QDialogButtonBox::Save) << 1;
-    QTest::newRow("apply role") << int(QDialogButtonBox::Apply) << 1;
-    QTest::newRow("reject role") << int(QDialogButtonBox::Cancel) << 0;
-    QTest::newRow("reset role") << int(QDialogButtonBox::Reset) << 0;
-    QTest::newRow("help role") << int(QDialogButtonBox::Help) << 0;
-    QTest::newRow("yes role") << int(QDialogButtonBox::Yes) << 0;
-    QTest::newRow("destructive role") << int(QDialogButtonBox::Discard) << 0;
-}
-
-void SoftwareUpdateDialogTest::appliesByRole()
-{
-    QFETCH(int, button);
-    const auto standard = QDialogButtonBox::StandardButton(button);
-    SoftwareUpdateDialog dialog(nullptr, {});
-    auto& box = child<QDialogButtonBox>(dialog, "buttonBox");
-    if (box.button(standard) == nullptr) {
-        box.addButton(standard);
-    }
-    dialog.show();
-    const QSignalSpy applied(&dialog, SIGNAL(applySettings(SoftwareUpdateDialogSettings)));
-    QTest::mouseClick(box.button(standard), Qt::LeftButton);
-    QTEST(applied.count(), "applied");
-}
-
-void SoftwareUpdateDialogTest::appliesOnDirectCall()
-{
-    SoftwareUpdateDialog dialog(nullptr, {});
-    dialog.setDialogSettings(sampleSettings());
-    QSignalSpy applied(&dialog, SIGNAL(applySettings(SoftwareUpdateDialogSettings)));
-    QVERIFY(QMetaObject::invokeMethod(&dialog, "emitApplySettings"));
-    QCOMPARE(applied.count(), 1);
-    QCOMPARE(fields(applied.at(0).at(0).value<SoftwareUpdateDialogSettings>()),
-             fields(sampleSettings()));
-}
-
-void SoftwareUpdateDialogTest::passesSettingsThroughQueue()
-{
-    SoftwareUpdateDialog dialog(nullptr, {});
-    dialog.setDialogSettings(sampleSettings());
-    m_received.clear();
-    connect(&dialog, SIGNAL(applySettings(SoftwareUpdateDialogSettings)), this,
-            SLOT(receive(SoftwareUpdateDialogSettings)), Qt::QueuedConnection);
-    QTest::mouseClick(&standardButton(dialog, QDialogButtonBox::Ok), Qt::LeftButton);
-    QVERIFY(m_received.isEmpty());
-    QTRY_COMPARE(m_received, fields(sampleSettings()));
-}
-
-void SoftwareUpdateDialogTest::neverForcesUpdateAvailable()
-{
-    const HeldModifier held(Qt::Key_Shift, Qt::ShiftModifier);
-    SoftwareUpdateDialog dialog(nullptr, {});
-    const QSignalSpy forced(&dialog, SIGNAL(forceUpdateAvailable()));
-    dialog.setDialogSettings(sampleSettings());
-    dialog.show();
-    for (const char* name : {"updatePushButton", "updateCheckBox", "checkForBetaCheckBox"}) {
-        click(dialog, name);
-    }
-    dialog.enableProgress();
-    dialog.disbaleProgress();
-    QTest::mouseClick(&standardButton(dialog, QDialogButtonBox::Ok), Qt::LeftButton);
-    QCOMPARE(forced.count(), 0);
 }
 
 VX_TEST_MAIN(SoftwareUpdateDialogTest)
