@@ -32,7 +32,8 @@ class Unzipper;
  * end in signals; one HTTP client serves both, and nothing prevents a second request while one
  * runs. The static operations keep no state and may be called anywhere.
  *
- * The object stores nothing by itself (see storeHistory()), and destroying it aborts nothing.
+ * The object stores nothing by itself (see storeHistory()). It may be destroyed at any time, also
+ * by a slot that it tells of an end; what is running then ends unheard, without downloadAborted().
  */
 class SOFTWAREUPDATECLIENT_EXPORT DownloadManager : public QObject
 {

@@ -1,39 +1,12 @@
-#include <QFile>
-#include <QFileInfo>
+#include <QPointer>
 
-#include <algorithm>
-
-#include <fcntl.h>
-
+#include "download/DownloadFile.h"
 #include "download/DownloadManager.h"
 #include "download/RequestRecord.h"
 
 namespace vx {
 
 namespace {
-
-// The name of the file may come from a catalogue. A null character would end the path early.
-bool isUsablePath(const QString& path)
-{
-    const QString name = path.section(QLatin1Char('/'), -1);
-    const bool hasControl = std::any_of(
-        name.cbegin(), name.cend(), [](QChar c) { return c.category() == QChar::Other_Control; });
-    return !hasControl && !path.contains(QChar::Null);
-}
-
-// A file that stays closed here ends as a download that came out short. By hand, since QFile would
-// write through a link that someone has put in the file's place, and wait for a reader of a pipe.
-void openForWriting(QFile& file)
-{
-    if (!isUsablePath(file.fileName())) {
-        return;
-    }
-    const int flags = O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-    const int handle = ::open(QFile::encodeName(file.fileName()).constData(), flags, 0666);
-    if (handle >= 0) {
-        file.open(handle, QIODevice::WriteOnly, QFileDevice::AutoCloseHandle);
-    }
-}
 
 // Scheme and port of the URL play no part: packages and release notes are served on port 80.
 HttpHost downloadHost(HttpHost host, const QUrl& url)
@@ -49,22 +22,17 @@ DownloadManager::RequestData* downloadRecord(const ::RequestData& request)
     return record != nullptr && record->fileSize != 0 ? record : nullptr;
 }
 
-// What was never open holds nothing of the download, whatever else is found under its name.
-quint64 closeAndMeasure(QFile& file)
+QFile& downloadFile(const ::RequestData& request)
 {
-    if (!file.isOpen()) {
-        return 0;
-    }
-    file.close();
-    return static_cast<quint64>(QFileInfo(file.fileName()).size());
+    return *static_cast<QFile*>(request.responseDevice);
 }
 
 } // namespace
 
 void DownloadManager::startDownload(const PackageInfo& pack, const QString& fileName)
 {
-    auto* file = new QFile(fileName);
-    openForWriting(*file);
+    auto* file = new DownloadFile(fileName);
+    file->openEmpty();
     httpClient.setHost(downloadHost(serverHost, pack.url));
     const RequestPtr request = httpClient.prepareGet(HttpClient::encodedUrlPath(pack.url), {}, this,
                                                      SLOT(downloadResult(RequestPtr)), file, {});
@@ -82,7 +50,7 @@ void DownloadManager::downloadStarting(RequestPtr resp)
     }
     // Copies: a slot may abort the download, which frees record and file.
     const PackageInfo pack = *record;
-    const QString fileName = static_cast<QFile*>(resp->responseDevice)->fileName();
+    const QString fileName = downloadFile(*resp).fileName();
     emit downloadStarted(pack, fileName);
 }
 
@@ -93,15 +61,20 @@ void DownloadManager::downloadResult(RequestPtr resp)
     if (record == nullptr) {
         return;
     }
-    auto* file = static_cast<QFile*>(resp->responseDevice);
-    const QString fileName = file->fileName();
-    if (closeAndMeasure(*file) < record->fileSize) {
+    QFile& file = downloadFile(*resp);
+    const QString fileName = file.fileName();
+    const QPointer<DownloadManager> self(this); // a slot may delete the engine at the first signal
+    if (closeAndMeasure(file) < record->fileSize) {
         emit downloadFailure(*record, fileName);
-        emit downloadFailure(resp->statusCode);
+        if (self) {
+            emit downloadFailure(resp->statusCode);
+        }
     } else {
         record->localFile = fileName;
         emit downloadSuccess(*record, fileName);
-        emit downloadSuccess();
+        if (self) {
+            emit downloadSuccess();
+        }
     }
     releaseRequest(resp);
 }

@@ -1,4 +1,5 @@
 #include <QBuffer>
+#include <QPointer>
 
 #include "download/DownloadManager.h"
 #include "download/RequestRecord.h"
@@ -128,12 +129,16 @@ void DownloadManager::queryResult(RequestPtr resp)
     if (resp->responseHeader.hasKey(cookie)) {
         serverCookie = resp->responseHeader.value(cookie);
     }
+    const QPointer<DownloadManager> self(this); // a slot may delete the engine with the answer
     queryResult(answer, requestRecord(*resp));
-
-    // Only now, so that a slot of packageFound() still sees the previous catalogue.
-    lastCatalogue = answer->data();
+    if (self) {
+        // Only now, so that a slot of packageFound() still sees the previous catalogue.
+        lastCatalogue = answer->data();
+    }
     releaseRequest(resp);
-    emit queryFinished();
+    if (self) {
+        emit queryFinished();
+    }
 }
 
 void DownloadManager::queryResult(QIODevice* input, RequestData* data)
