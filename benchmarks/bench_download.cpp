@@ -91,7 +91,7 @@ public slots:
     }
 
 private slots:
-    void report(RequestPtr request)
+    void report(const RequestPtr& request)
     {
         m_file.close();
         const double seconds = double(m_clock.nsecsElapsed()) / 1e9;

@@ -56,7 +56,7 @@ RequestPtr HttpClient::prepareGet(const QString& path, const QMap<QString, QVari
                                   QObject* receiver, const char* slot, QIODevice* device,
                                   boost::shared_ptr<QIODevice> sharedDevice)
 {
-    const RequestPtr request(new RequestData);
+    RequestPtr request(new RequestData);
     vx::RequestPlan& plan = *request->m_plan;
     plan.host = m_host;
     plan.host.updateProxy(QUrl());
@@ -77,8 +77,7 @@ RequestPtr HttpClient::get(const QString& path, const QMap<QString, QVariant>& p
                            QObject* receiver, const char* slot, QIODevice* device,
                            boost::shared_ptr<QIODevice> sharedDevice)
 {
-    const RequestPtr request =
-        prepareGet(path, params, receiver, slot, device, std::move(sharedDevice));
+    RequestPtr request = prepareGet(path, params, receiver, slot, device, std::move(sharedDevice));
     execute(request);
     return request;
 }

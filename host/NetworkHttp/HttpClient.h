@@ -37,7 +37,7 @@ public:
     static constexpr int maxRedirects = 20;
 
     /** The body that the client's own buffer takes, in bytes. More of it ends the request. */
-    static constexpr qint64 maxBufferSize = 64 * 1024 * 1024;
+    static constexpr qint64 maxBufferSize = 64LL * 1024 * 1024;
 
     /** How long a request waits for the next byte, in milliseconds, unless told otherwise. */
     static constexpr int defaultIdleTimeout = 60000;

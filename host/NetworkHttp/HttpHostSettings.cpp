@@ -6,14 +6,14 @@ namespace vx {
 
 namespace {
 
-constexpr QLatin1String serverKeys("server-");
-constexpr QLatin1String proxyKeys("proxy-");
-constexpr QLatin1String addressKey("address");
-constexpr QLatin1String portKey("port");
-constexpr QLatin1String secureKey("secure");
-constexpr QLatin1String userKey("user");
-constexpr QLatin1String passwordKey("password");
-constexpr QLatin1String preferenceKey("proxy-preference");
+const QLatin1String serverKeys("server-");
+const QLatin1String proxyKeys("proxy-");
+const QLatin1String addressKey("address");
+const QLatin1String portKey("port");
+const QLatin1String secureKey("secure");
+const QLatin1String userKey("user");
+const QLatin1String passwordKey("password");
+const QLatin1String preferenceKey("proxy-preference");
 
 /** The number of @p key or 0. By way of the text, as QVariant::toInt wraps large numbers around. */
 int numberOf(const QSettings& settings, const QString& key)

@@ -22,7 +22,7 @@ namespace {
 Q_LOGGING_CATEGORY(category, "vx.networkhttp", QtWarningMsg)
 
 /** What the network stack may hold back; more buys no speed and costs memory. */
-constexpr qint64 readBufferSize = 512 * 1024;
+constexpr qint64 readBufferSize = 512LL * 1024;
 
 /** One write to the device. */
 constexpr int chunkSize = 64 * 1024;

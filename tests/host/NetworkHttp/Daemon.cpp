@@ -30,7 +30,7 @@ http {
   scgi_temp_path %2/scgi;
   gzip on;
   gzip_types *;
-  server { listen 127.0.0.1:%1; root %2/www; }
+  server { listen 127.0.0.1:%1 %3; root %2/www; }
 }
 )";
 
@@ -63,6 +63,11 @@ bool accepts(quint16 port)
     QTcpSocket socket;
     socket.connectToHost(QHostAddress::LocalHost, port);
     return socket.waitForConnected(1000);
+}
+
+QString withListenOptions(const QString& options)
+{
+    return QString::fromLatin1(nginxConfiguration).replace("%3", options);
 }
 
 QString withLogin(const QString& user, const QString& password)
@@ -122,7 +127,11 @@ bool Daemon::startOn(quint16 port)
 }
 
 Nginx::Nginx()
-    : Daemon("nginx", {"-c", "%1"}, QString::fromLatin1(nginxConfiguration))
+    : Nginx(QString())
+{}
+
+Nginx::Nginx(const QString& listenOptions)
+    : Daemon("nginx", {"-c", "%1"}, withListenOptions(listenOptions))
 {
     QDir(folder()).mkdir("www");
 }
@@ -132,6 +141,20 @@ bool Nginx::addFile(const QString& name, qint64 size, const QByteArray& mark)
     QFile file(folder() + "/www/" + name);
     return file.open(QIODevice::WriteOnly) && file.write(mark) == mark.size() &&
            file.seek(size - mark.size()) && file.write(mark) == mark.size();
+}
+
+TlsNginx::TlsNginx()
+    : Nginx("ssl; ssl_certificate %2/certificate.pem; ssl_certificate_key %2/key.pem")
+{}
+
+bool TlsNginx::makeCertificate()
+{
+    QProcess openssl;
+    openssl.start(programPath("openssl"),
+                  {"req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-subj",
+                   "/CN=127.0.0.1", "-addext", "subjectAltName=IP:127.0.0.1", "-keyout",
+                   folder() + "/key.pem", "-out", certificate()});
+    return openssl.waitForFinished() && openssl.exitCode() == 0;
 }
 
 TinyProxy::TinyProxy(const QString& user, const QString& password)

@@ -51,8 +51,26 @@ class Nginx : public Daemon
 {
 public:
     Nginx();
+
     /** Creates the sparse file @p name of @p size bytes, with @p mark at beginning and end. */
     bool addFile(const QString& name, qint64 size, const QByteArray& mark);
+
+protected:
+    /** @param listenOptions configuration that follows the port. */
+    explicit Nginx(const QString& listenOptions);
+};
+
+/** nginx that serves by https, with a certificate for 127.0.0.1 that nobody else knows. */
+class TlsNginx : public Nginx
+{
+public:
+    TlsNginx();
+
+    /** Makes the certificate, which is to be called before start. */
+    bool makeCertificate();
+
+    /** Path of the certificate. */
+    QString certificate() const { return folder() + "/certificate.pem"; }
 };
 
 /** tinyproxy; asks for user and password unless @p user is empty. */

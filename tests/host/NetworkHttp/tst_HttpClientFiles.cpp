@@ -12,7 +12,7 @@
 
 #ifdef __SANITIZE_ADDRESS__
 // Freed memory that the sanitizer sets aside would be taken for memory of ours.
-extern "C" const char* __asan_default_options();
+extern "C" __attribute__((visibility("default"))) const char* __asan_default_options();
 extern "C" const char* __asan_default_options()
 {
     return "quarantine_size_mb=1:thread_local_quarantine_size_kb=64";

@@ -1,0 +1,118 @@
+#include <QSslCertificate>
+#include <QSslConfiguration>
+#include <QtTest>
+
+#include "host/NetworkHttp/HttpClient.h"
+#include "tests/host/NetworkHttp/Daemon.h"
+#include "tests/host/NetworkHttp/RawServer.h"
+#include "tests/host/NetworkHttp/ResultReceiver.h"
+#include "tests/support/TestMain.h"
+
+using namespace vx::test;
+
+/** https, which a server is asked by if its address says so, or if a redirect leads there. */
+class TestHttpClientTls : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void asksOnlyWhomItTrusts_data();
+    void asksOnlyWhomItTrusts();
+    void followsARedirectToHttps_data();
+    void followsARedirectToHttps();
+
+private:
+    RequestPtr ask(const vx::HttpHost& host);
+
+    TlsNginx m_nginx;
+    QSslCertificate m_certificate;
+};
+
+namespace {
+
+/** Trusts a certificate for as long as it lives. */
+class Trust
+{
+public:
+    explicit Trust(const QSslCertificate& certificate)
+    {
+        QSslConfiguration configuration = m_previous;
+        configuration.addCaCertificate(certificate);
+        QSslConfiguration::setDefaultConfiguration(configuration);
+    }
+    ~Trust() { QSslConfiguration::setDefaultConfiguration(m_previous); }
+    Trust(const Trust&) = delete;
+    Trust& operator=(const Trust&) = delete;
+
+private:
+    QSslConfiguration m_previous = QSslConfiguration::defaultConfiguration();
+};
+
+void addTrustRows()
+{
+    QTest::addColumn<bool>("isTrusted");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("trusted") << true << 200 << "body";
+    QTest::newRow("not trusted") << false << 0 << "";
+}
+
+} // namespace
+
+void TestHttpClientTls::initTestCase()
+{
+    QVERIFY(m_nginx.makeCertificate());
+    QVERIFY(m_nginx.addFile("file", 4, "body"));
+    QVERIFY2(m_nginx.start(), m_nginx.output().constData());
+    m_certificate = QSslCertificate::fromPath(m_nginx.certificate()).value(0);
+    QVERIFY(!m_certificate.isNull());
+}
+
+RequestPtr TestHttpClientTls::ask(const vx::HttpHost& host)
+{
+    HttpClient client(host);
+    ResultReceiver receiver;
+    const RequestPtr request =
+        client.get("/file", &receiver, SLOT(queryResult(RequestPtr)), ownBuffer());
+    return QTest::qWaitFor([&] { return !receiver.results.isEmpty(); }) ? request : RequestPtr();
+}
+
+void TestHttpClientTls::asksOnlyWhomItTrusts_data()
+{
+    addTrustRows();
+}
+
+void TestHttpClientTls::asksOnlyWhomItTrusts()
+{
+    QFETCH(bool, isTrusted);
+    const Trust trust(isTrusted ? m_certificate : QSslCertificate());
+    vx::HttpHost host;
+    host.server.parseAddress(QString("https://127.0.0.1:%1").arg(m_nginx.port()), 80);
+    const RequestPtr request = ask(host);
+    QVERIFY(request);
+    QTEST(request->statusCode, "status");
+    QTEST(request->getResponseText(), "text");
+}
+
+void TestHttpClientTls::followsARedirectToHttps_data()
+{
+    addTrustRows();
+}
+
+void TestHttpClientTls::followsARedirectToHttps()
+{
+    QFETCH(bool, isTrusted);
+    const Trust trust(isTrusted ? m_certificate : QSslCertificate());
+    RawServer server;
+    const QByteArray target = "https://127.0.0.1:" + QByteArray::number(m_nginx.port()) + "/file";
+    server.setReply(rawReply(301, "moved", {{"Location", target}}));
+    const RequestPtr request = ask(server.host());
+    QVERIFY(request);
+    QTEST(request->statusCode, "status");
+    QTEST(request->getResponseText(), "text");
+    QCOMPARE(request->requestUrls.last(), QUrl::fromEncoded(target));
+}
+
+VX_TEST_MAIN(TestHttpClientTls)
+#include "tst_HttpClientTls.moc"
