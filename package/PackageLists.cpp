@@ -8,14 +8,21 @@ namespace {
 
 const char* const translationContext = "Download";
 
-QStringList gatherTexts(const PackageInfoList& list, QString PackageInfo::*field, bool translated)
+QString translated(const QString& text)
+{
+    const QByteArray source = text.toLatin1();
+    const QString translation = QCoreApplication::translate(translationContext, source.constData());
+    // Without a translation Qt hands the source back, read as UTF-8, which spoils what is not
+    // ASCII.
+    return translation == QString::fromUtf8(source) ? text : translation;
+}
+
+QStringList gatherTexts(const PackageInfoList& list, QString PackageInfo::*field, bool translate)
 {
     QStringSet texts;
     for (const PackageInfo& package : list) {
         const QString& text = package.*field;
-        texts.insert(translated ? QCoreApplication::translate(translationContext,
-                                                              text.toLatin1().constData())
-                                : text);
+        texts.insert(translate ? translated(text) : text);
     }
     return texts.values();
 }

@@ -1,0 +1,198 @@
+#include <QtTest>
+
+#include "package/CandidateMatcher.h"
+#include "package/PackageInfo.h"
+#include "tests/support/TestMain.h"
+
+using namespace vx;
+
+Q_DECLARE_METATYPE(vx::CandidateRefusal)
+
+namespace {
+
+const QDateTime day(QDate(2012, 6, 1), QTime(12, 0));
+
+/** A package that passes every filter below unless one field is made to fail. */
+PackageInfo camera()
+{
+    return PackageInfo("Camera Firmware", "fw", "4.2", "STABLE", day, {"CamOne", "CamTwo"},
+                       {"en", "de"}, "zip");
+}
+
+PackageInfo everythingTested()
+{
+    return PackageInfo("another type", "fw", "4.1", "STABLE", day.addYears(1), {"CamOne"}, {"en"},
+                       "another package type");
+}
+
+} // namespace
+
+class tst_PackageMatching : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void matchesPackageAlways_data();
+    void matchesPackageAlways();
+    void defaultFilterPassesEverything();
+    void matchesFilter_data();
+    void matchesFilter();
+    void candidate_data();
+    void candidate();
+    void firstFailingTestIsNamed();
+    void matcherKeepsItsOwnFilter();
+};
+
+void tst_PackageMatching::matchesPackageAlways_data()
+{
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<QString>("second");
+
+    QTest::newRow("its own") << "Camera Firmware"
+                             << "fw";
+    QTest::newRow("others") << "Application"
+                            << "viewer";
+    QTest::newRow("empty") << ""
+                           << "";
+    QTest::newRow("null") << QString() << QString();
+    QTest::newRow("no pattern") << "[*"
+                                << "(?";
+}
+
+void tst_PackageMatching::matchesPackageAlways()
+{
+    QFETCH(QString, first);
+    QFETCH(QString, second);
+    QVERIFY(camera().matchesPackage(first, second));
+    QVERIFY(PackageInfo().matchesPackage(first, second));
+}
+
+void tst_PackageMatching::defaultFilterPassesEverything()
+{
+    for (const PackageInfo& package : {camera(), PackageInfo(), everythingTested()}) {
+        QVERIFY(package.matchesFilter(PackageInfo()));
+        QVERIFY(package.filterPackageCandidate(PackageInfo(), {}));
+    }
+}
+
+void tst_PackageMatching::matchesFilter_data()
+{
+    QTest::addColumn<PackageInfo>("filter");
+    QTest::addColumn<bool>("matches");
+
+    const auto release = [](const char* text) { return PackageInfo("", "", text); };
+    const auto status = [](const char* text) { return PackageInfo("", "", "", text); };
+    const auto date = [](const QDateTime& time) { return PackageInfo("", "", "", "", time); };
+    const auto languages = [](const QStringSet& words) {
+        return PackageInfo("", "", "", "", QDateTime(), {}, words);
+    };
+    QTest::newRow("lower release") << release("4.1") << true;
+    QTest::newRow("equal release") << release("4.2") << false;
+    QTest::newRow("higher release") << release("4.3") << false;
+    QTest::newRow("release as text") << release("10.0") << true;
+    QTest::newRow("equal status") << status("STABLE") << true;
+    QTest::newRow("status above") << status("TEST") << true;
+    QTest::newRow("status below") << status("BETA") << false;
+    QTest::newRow("status by character code") << status("stable") << true;
+    QTest::newRow("equal time") << date(day) << true;
+    QTest::newRow("earlier") << date(day.addSecs(-1)) << true;
+    QTest::newRow("later") << date(day.addSecs(1)) << false;
+    QTest::newRow("shared language") << languages({"en", "fr"}) << false;
+    QTest::newRow("no shared language") << languages({"fr"}) << true;
+    QTest::newRow("what plays no part")
+        << PackageInfo("x", "x", "", "", QDateTime(), {"x"}, {}, "x", "x") << true;
+}
+
+void tst_PackageMatching::matchesFilter()
+{
+    QFETCH(PackageInfo, filter);
+    QTEST(camera().matchesFilter(filter), "matches");
+    // A package without languages shares none, and one without a date is earlier than any.
+    PackageInfo bare = camera();
+    bare.languages.clear();
+    PackageInfo languagesAlone;
+    languagesAlone.languages = {"en"};
+    QVERIFY(bare.matchesFilter(languagesAlone));
+}
+
+void tst_PackageMatching::candidate_data()
+{
+    QTest::addColumn<PackageInfo>("filter");
+    QTest::addColumn<QStringList>("fileTypes");
+    QTest::addColumn<CandidateRefusal>("refusal");
+
+    const auto add = [](const char* row, const PackageInfo& filter, const QStringList& types,
+                        CandidateRefusal refusal) {
+        QTest::newRow(row) << filter << types << refusal;
+    };
+    const auto release = [](const char* text) { return PackageInfo("", "", text); };
+    const auto platforms = [](const QStringSet& words) {
+        return PackageInfo("", "", "", "", QDateTime(), words);
+    };
+    using R = CandidateRefusal;
+    add("everything at once", everythingTested(), {"zip"}, R::None);
+    add("another name", PackageInfo("", "viewer"), {}, R::Name);
+    add("name in capitals", PackageInfo("", "FW"), {}, R::Name);
+    add("equal release", release("4.2"), {}, R::Release);
+    add("equal value", release("4.2.0"), {}, R::Release);
+    add("higher release", release("4.10"), {}, R::Release);
+    add("lower release", release("4.1.9"), {}, R::None);
+    add("lower as a number only", release("03.9"), {}, R::None);
+    add("unreadable release", release("none"), {}, R::None);
+    add("another status", PackageInfo("", "", "", "BETA"), {}, R::Status);
+    add("status in small letters", PackageInfo("", "", "", "stable"), {}, R::Status);
+    add("one platform of several", platforms({"CamTwo", "CamNine"}), {}, R::None);
+    add("beginning of a platform", platforms({"Cam"}), {}, R::None);
+    add("begun by a platform", platforms({"CamOneMkII"}), {}, R::None);
+    add("another platform", platforms({"Box"}), {}, R::Platforms);
+    add("platform in capitals", platforms({"CAMONE"}), {}, R::Platforms);
+    add("allowed type", PackageInfo(), {"mpkg", "zip"}, R::None);
+    add("type not allowed", PackageInfo(), {"mpkg"}, R::FileType);
+    add("type in capitals", PackageInfo(), {"ZIP"}, R::FileType);
+    add("what plays no part", PackageInfo("x", "", "", "", day.addYears(9), {}, {"x"}, "x", "x"),
+        {}, R::None);
+}
+
+void tst_PackageMatching::candidate()
+{
+    QFETCH(PackageInfo, filter);
+    QFETCH(QStringList, fileTypes);
+    QFETCH(CandidateRefusal, refusal);
+    const PackageInfo package = camera();
+    QCOMPARE(package.candidateRefusal(filter, fileTypes), refusal);
+    const bool accepted = refusal == CandidateRefusal::None;
+    QCOMPARE(package.filterPackageCandidate(filter, fileTypes), accepted);
+    const CandidateMatcher matcher(filter, fileTypes);
+    QCOMPARE(matcher.refusal(package), refusal);
+    QCOMPARE(matcher.accepts(package), accepted);
+}
+
+void tst_PackageMatching::firstFailingTestIsNamed()
+{
+    const PackageInfo filter("", "fw", "4.1", "STABLE", QDateTime(), {"CamOne"});
+    const QStringList types = {"zip"};
+    PackageInfo package("", "other", "4.0", "BETA", QDateTime(), {"Box"}, {}, "exe");
+
+    QCOMPARE(package.candidateRefusal(filter, types), CandidateRefusal::Name);
+    package.name = "fw";
+    QCOMPARE(package.candidateRefusal(filter, types), CandidateRefusal::Release);
+    package.release = "4.2";
+    QCOMPARE(package.candidateRefusal(filter, types), CandidateRefusal::Status);
+    package.status = "STABLE";
+    QCOMPARE(package.candidateRefusal(filter, types), CandidateRefusal::Platforms);
+    package.platforms = QStringSet{"CamOne"};
+    QCOMPARE(package.candidateRefusal(filter, types), CandidateRefusal::FileType);
+    package.packageType = "zip";
+    QCOMPARE(package.candidateRefusal(filter, types), CandidateRefusal::None);
+}
+
+void tst_PackageMatching::matcherKeepsItsOwnFilter()
+{
+    PackageInfo filter("", "fw");
+    const CandidateMatcher matcher(filter, {});
+    filter.name = "viewer";
+    QVERIFY(matcher.accepts(camera()));
+}
+
+VX_TEST_MAIN(tst_PackageMatching)
+#include "tst_PackageMatching.moc"
