@@ -2,23 +2,65 @@
 
 #include <QDomDocument>
 #include <QIODevice>
-
-#include <memory>
+#include <QXmlStreamReader>
 
 #include "host/CoreQt/ParseException.h"
+#include "host/FileFormatsXml/XmlDecoding.h"
+#include "host/FileFormatsXml/XmlLimits.h"
 
 namespace vx {
 
+namespace {
+
+constexpr qint64 pieceSize = 64 * 1024;
+
+/** All bytes of @p device; one that has more than allowed, or has no end, is not read to its end.
+ */
+QByteArray readDocument(QIODevice* device)
+{
+    if (device == nullptr || !device->isReadable()) {
+        throw ParseException(QStringLiteral("The document cannot be read."));
+    }
+    QByteArray document;
+    while (document.size() <= XmlUtils::maximumDocumentSize) {
+        const QByteArray piece = device->read(pieceSize);
+        if (piece.isEmpty()) {
+            return document;
+        }
+        document += piece;
+    }
+    throw ParseException(QStringLiteral("The document is too large."));
+}
+
+// Not the parser that reads bytes by default: that one is lax about characters and references, and
+// its time grows with the square of the number of entities.
+QDomDocument build(const QString& text)
+{
+    QXmlStreamReader reader(text);
+    reader.setNamespaceProcessing(false);
+    reader.setEntityExpansionLimit(XmlUtils::maximumEntityExpansion);
+    QDomDocument document;
+    QString reason;
+    int line = 0;
+    int column = 0;
+    if (!document.setContent(&reader, false, &reason, &line, &column)) {
+        throw ParseException(
+            QStringLiteral("Line %1, column %2: %3").arg(line).arg(column).arg(reason));
+    }
+    return document;
+}
+
+} // namespace
+
 QDomDocument* XmlUtils::parseXml(QIODevice* device, QDomDocument* document)
 {
-    QDomDocument parsed;
-    if (!parsed.setContent(device->readAll())) {
-        throw ParseException(QStringLiteral("not well-formed"));
-    }
+    const QString text = decodeXml(readDocument(device));
+    XmlLimits::check(text);
+    const QDomDocument built = build(text);
     if (document == nullptr) {
-        return new QDomDocument(parsed);
+        return new QDomDocument(built);
     }
-    *document = parsed;
+    *document = built;
     return document;
 }
 
