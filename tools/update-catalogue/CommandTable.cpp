@@ -4,7 +4,7 @@ namespace vx {
 
 const QList<Command>& allCommands()
 {
-    static const QList<Command> commands{lintCommand};
+    static const QList<Command> commands{lintCommand, explainCommand, matrixCommand, diffCommand};
     return commands;
 }
 

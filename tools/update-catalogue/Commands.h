@@ -6,5 +6,11 @@ namespace vx {
 
 /** lint/LintCommand.cpp */
 extern const Command lintCommand;
+/** explain/ExplainCommand.cpp */
+extern const Command explainCommand;
+/** matrix/MatrixCommand.cpp */
+extern const Command matrixCommand;
+/** matrix/DiffCommand.cpp */
+extern const Command diffCommand;
 
 } // namespace vx

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QCommandLineParser>
+#include <QList>
+#include <QString>
+
+#include "client/OfferSelection.h"
+
+namespace vx {
+
+/** One installation in the field, or several that are alike. */
+struct Installation
+{
+    /** What people call it; empty if it has no name. */
+    QString label;
+    OfferCriteria criteria;
+    /** How many installations there are of this kind. */
+    int count = 1;
+};
+
+using InstallationList = QList<Installation>;
+
+/** The words of @p text, separated by blanks, commas or semicolons. */
+QStringList splitWordList(const QString& text);
+
+/** @p text of the form NAME=VERSION. @throws CommandFailure with @p code */
+QPair<QString, VersionNumber> cameraFromText(const QString& text, int code);
+
+/** What the client's constructor says of every installation: its platforms and file types. */
+OfferCriteria defaultCriteria();
+
+/** Adds the options that describe one installation: --application, --version, --camera, ... */
+void declareInstallation(QCommandLineParser& parser);
+
+/** The installation that the options describe. @throws CommandFailure with ExitUsage */
+Installation installationFrom(const QCommandLineParser& parser);
+
+/**
+ * Reads a list of installations: comma-separated values (RFC 4180, UTF-8) with a header line. The
+ * columns are found by their names: name, version, platforms, cameras and, if wanted, beta, types,
+ * count and label. Words in a cell are separated by blanks or semicolons, cameras are NAME=VERSION.
+ * Empty platforms and types are the client's own.
+ *
+ * @throws CommandFailure with ExitUnreadable that names the line.
+ */
+InstallationList readInstallations(const QString& path);
+
+} // namespace vx

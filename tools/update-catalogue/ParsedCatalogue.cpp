@@ -1,0 +1,31 @@
+#include "tools/update-catalogue/ParsedCatalogue.h"
+
+#include "host/CoreQt/ParseException.h"
+#include "tools/update-catalogue/CatalogueTree.h"
+#include "tools/update-catalogue/Command.h"
+
+namespace vx {
+
+PackageInfoList parseCatalogue(const CatalogueSource& source)
+{
+    try {
+        PackageInfoList packages;
+        const CatalogueTree tree(source);
+        for (const CataloguePackage& package : tree.packages()) {
+            packages.append(package.info);
+        }
+        return packages;
+    } catch (const ParseException& exception) {
+        throw CommandFailure(ExitUnreadable,
+                             QString("%1: %2").arg(source.name, exception.message()));
+    }
+}
+
+QString packageLabel(const PackageInfo& package)
+{
+    CataloguePackage labelled;
+    labelled.info = package;
+    return labelled.label();
+}
+
+} // namespace vx
