@@ -12,7 +12,7 @@ namespace vx {
 
 namespace {
 
-constexpr int slowMs = 10000;
+constexpr int slowMs = 5000;
 constexpr char proxyUser[] = "user";
 constexpr char proxyPassword[] = "secret";
 
@@ -182,7 +182,7 @@ constexpr std::array<Scenario, 14> scenarios = {{
     {"stall-at-99", "a package stops at 99 percent and the connection stays open", stallAt99},
     {"reset", "a package's connection is reset halfway", resetPackage},
     {"captive-portal", "everything is answered with a sign-in page", captivePortal},
-    {"slow", "a package takes ten seconds", slowPackage},
+    {"slow", "a package takes five seconds", slowPackage},
     {"proxy-password", "as a proxy, asks for the user \"user\" with the password \"secret\"",
      asItIs},
 }};

@@ -1,0 +1,60 @@
+#include "examples/camera_manager/CameraManagerWindow.h"
+
+#include <QHeaderView>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QStatusBar>
+#include <QTableWidget>
+#include <QVBoxLayout>
+
+namespace {
+
+QTableWidget* createCameraTable(const vx::SoftUpCurrentCameraVersions& cameras)
+{
+    auto* table = new QTableWidget(cameras.size(), 2);
+    table->setHorizontalHeaderLabels({QStringLiteral("Camera"), QStringLiteral("Firmware")});
+    table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    table->verticalHeader()->hide();
+    table->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    table->setSelectionMode(QAbstractItemView::NoSelection);
+    table->setFocusPolicy(Qt::NoFocus);
+    for (int row = 0; row < cameras.size(); ++row) {
+        const QString firmware = QString::fromStdString(cameras.at(row).second.toString());
+        table->setItem(row, 0, new QTableWidgetItem(cameras.at(row).first));
+        table->setItem(row, 1, new QTableWidgetItem(firmware));
+    }
+    return table;
+}
+
+} // namespace
+
+CameraManagerWindow::CameraManagerWindow(const QString& version,
+                                         const vx::SoftUpCurrentCameraVersions& cameras)
+{
+    setWindowTitle(QStringLiteral("Camera Manager"));
+    addMenus();
+    auto* content = new QWidget;
+    auto* layout = new QVBoxLayout(content);
+    auto* heading = new QLabel(QStringLiteral("<h2>Camera Manager %1</h2>").arg(version));
+    layout->addWidget(heading);
+    layout->addWidget(createCameraTable(cameras));
+    setCentralWidget(content);
+    showMessage(QStringLiteral("Help > Check for Updates... looks for something newer."));
+    resize(440, 260);
+}
+
+void CameraManagerWindow::addMenus()
+{
+    QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
+    connect(file->addAction(QStringLiteral("&Quit")), SIGNAL(triggered()), SLOT(close()));
+    QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
+    QAction* check = help->addAction(QStringLiteral("Check for &Updates..."));
+    check->setObjectName(QStringLiteral("checkForUpdatesAction"));
+    connect(check, SIGNAL(triggered()), SIGNAL(checkForUpdates()));
+}
+
+void CameraManagerWindow::showMessage(const QString& text)
+{
+    statusBar()->showMessage(text);
+}

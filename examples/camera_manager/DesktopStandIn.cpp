@@ -1,0 +1,21 @@
+#include "examples/camera_manager/DesktopStandIn.h"
+
+#include <QDesktopServices>
+#include <QFileInfo>
+
+DesktopStandIn::DesktopStandIn()
+{
+    QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "open");
+}
+
+DesktopStandIn::~DesktopStandIn()
+{
+    QDesktopServices::unsetUrlHandler(QStringLiteral("file"));
+}
+
+void DesktopStandIn::open(const QUrl& url)
+{
+    const QString path = url.toLocalFile();
+    m_paths.append(path);
+    emit opened(QStringLiteral("The desktop would open %1").arg(QFileInfo(path).fileName()));
+}

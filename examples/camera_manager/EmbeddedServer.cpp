@@ -1,0 +1,81 @@
+#include "examples/camera_manager/EmbeddedServer.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QUrl>
+
+#include "host/NodeDB/NodeDB.h"
+#include "tools/server/Scenario.h"
+
+namespace {
+
+QByteArray readFile(const QString& name)
+{
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+} // namespace
+
+EmbeddedServer::EmbeddedServer(const QString& packages)
+    : m_packages(packages)
+{}
+
+bool EmbeddedServer::start()
+{
+    if (!copyPackages()) {
+        m_problem = QStringLiteral("The sample packages are missing: %1").arg(m_packages);
+    } else if (!m_server.start()) {
+        m_problem = QStringLiteral("The update server cannot open a port.");
+    } else if (!writeCatalogue()) {
+        m_problem = QStringLiteral("Cannot write to %1").arg(m_folder.path());
+    } else {
+        // Slow, because the progress dialog does not appear for less than four seconds.
+        play(QStringLiteral("slow"));
+    }
+    return m_problem.isEmpty();
+}
+
+bool EmbeddedServer::copyPackages()
+{
+    const QFileInfoList packages = QDir(m_packages).entryInfoList(QDir::Files);
+    for (const QFileInfo& package : packages) {
+        if (!QFile::copy(package.filePath(), m_folder.filePath(package.fileName()))) {
+            return false;
+        }
+    }
+    return !packages.isEmpty();
+}
+
+bool EmbeddedServer::writeCatalogue()
+{
+    QByteArray text = readFile(QStringLiteral(":/camera_manager/catalogue.xml"));
+    const QUrl address = m_server.url(QString());
+    text.replace("@SERVER@", address.toEncoded());
+    for (const QFileInfo& package : QDir(m_folder.path()).entryInfoList(QDir::Files)) {
+        text.replace("@SIZE " + package.fileName().toUtf8() + '@',
+                     QByteArray::number(package.size()));
+    }
+    QFile file(m_folder.filePath(QStringLiteral("catalogue.xml")));
+    return file.open(QIODevice::WriteOnly) && file.write(text) == text.size() &&
+           QFile::copy(QStringLiteral(":/camera_manager/release-notes.html"),
+                       m_folder.filePath(QStringLiteral("release-notes.html")));
+}
+
+QString EmbeddedServer::catalogueUrl() const
+{
+    return m_server.url(QStringLiteral("/catalogue.xml")).toString();
+}
+
+void EmbeddedServer::becomeProxy() const
+{
+    const QUrl address = m_server.url();
+    vx::NodeDB::getDB().setGlobalProxy(
+        vx::NetworkProxy(true, address.host(), m_server.port(), QString(), QString()));
+}
+
+void EmbeddedServer::play(const QString& scenario)
+{
+    vx::applyScenario(m_server, scenario, m_folder.path());
+}
