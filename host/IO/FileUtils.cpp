@@ -5,19 +5,21 @@
 #include <QFileDialog>
 #include <QSaveFile>
 #include <QTemporaryDir>
+#include <QUuid>
 
 namespace vx {
 
 QString FileUtils::createTempDir()
 {
-    QTemporaryDir folder;
+    const QString prefix =
+        QDir(QDir::tempPath()).absoluteFilePath(QStringLiteral("SoftwareUpdate-"));
+    QTemporaryDir folder(prefix + QStringLiteral("XXXXXX"));
     folder.setAutoRemove(false);
+    if (!folder.isValid()) {
+        // Not an empty path, which stands for the current folder wherever it is used.
+        return prefix + QUuid::createUuid().toString(QUuid::WithoutBraces);
+    }
     return folder.path();
-}
-
-bool FileUtils::erase(const QString& path)
-{
-    return QFile::remove(path);
 }
 
 QString FileUtils::nativePath(const QString& path)
@@ -28,7 +30,11 @@ QString FileUtils::nativePath(const QString& path)
 QByteArray FileUtils::readBytes(const QString& path)
 {
     QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    if (!file.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    const QByteArray bytes = file.readAll();
+    return file.error() == QFileDevice::NoError ? bytes : QByteArray();
 }
 
 bool FileUtils::writeBytes(const QByteArray& bytes, const QString& path)
