@@ -6,15 +6,16 @@
 
 namespace vx {
 
-PackageInfoList parseCatalogue(const CatalogueSource& source)
+ParsedCatalogue parseCatalogue(const CatalogueSource& source)
 {
     try {
-        PackageInfoList packages;
+        ParsedCatalogue catalogue;
         const CatalogueTree tree(source);
         for (const CataloguePackage& package : tree.packages()) {
-            packages.append(package.info);
+            catalogue.packages.append(package.info);
+            catalogue.positions.append(package.package->position);
         }
-        return packages;
+        return catalogue;
     } catch (const ParseException& exception) {
         throw CommandFailure(ExitUnreadable,
                              QString("%1: %2").arg(source.name, exception.message()));

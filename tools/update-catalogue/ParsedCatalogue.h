@@ -1,16 +1,26 @@
 #pragma once
 
+#include <QVector>
+
 #include "package/PackageInfo.h"
 #include "tools/update-catalogue/CatalogueSource.h"
+#include "tools/update-catalogue/CatalogueText.h"
 
 namespace vx {
 
+/** The packages of a catalogue as the library reads them, and where each stands. */
+struct ParsedCatalogue
+{
+    PackageInfoList packages;
+    QVector<TextPosition> positions;
+};
+
 /**
- * The packages of @p source as the library reads them.
+ * Reads @p source with the library's own parser.
  *
  * @throws CommandFailure with ExitUnreadable if the library can't parse it.
  */
-PackageInfoList parseCatalogue(const CatalogueSource& source);
+ParsedCatalogue parseCatalogue(const CatalogueSource& source);
 
 /** Name and release of @p package, as messages speak of it. */
 QString packageLabel(const PackageInfo& package);

@@ -43,12 +43,12 @@ bool isWanted(const PackageInfo& package, const QString& text)
 }
 
 /** Leaves the verdicts on packages that --package asks for. */
-void narrow(Explanation& explanation, const PackageInfoList& catalogue, const QString& text)
+void narrow(Explanation& explanation, const ParsedCatalogue& catalogue, const QString& text)
 {
     for (TargetExplanation& target : explanation.targets) {
         QList<Verdict> wanted;
         for (const Verdict& verdict : qAsConst(target.verdicts)) {
-            if (isWanted(catalogue.at(verdict.package), text)) {
+            if (isWanted(catalogue.packages.at(verdict.package), text)) {
                 wanted.append(verdict);
             }
         }
@@ -68,7 +68,7 @@ bool offersAnything(const Explanation& explanation)
     return false;
 }
 
-void printTarget(const TargetExplanation& target, const PackageInfoList& catalogue,
+void printTarget(const TargetExplanation& target, const ParsedCatalogue& catalogue,
                  Terminal& terminal)
 {
     const QString title = QString("%1 %2 %3")
@@ -78,7 +78,9 @@ void printTarget(const TargetExplanation& target, const PackageInfoList& catalog
     for (const Verdict& verdict : target.verdicts) {
         const bool offered = verdict.outcome == Verdict::Offered;
         const QString outcome = QString("%1").arg(outcomeName(verdict.outcome), -10);
-        const QString label = packageLabel(catalogue.at(verdict.package));
+        const QString label = QString("%1 (line %2)")
+                                  .arg(packageLabel(catalogue.packages.at(verdict.package)))
+                                  .arg(catalogue.positions.at(verdict.package).line);
         terminal.line(
             QString("  %1 %2%3")
                 .arg(terminal.coloured(outcome, offered ? Terminal::Green : Terminal::Yellow),
@@ -106,11 +108,12 @@ void printRows(const PackageInfoList& rows, const QString& language, Terminal& t
     }
 }
 
-QJsonObject toJson(const Verdict& verdict, const PackageInfoList& catalogue)
+QJsonObject toJson(const Verdict& verdict, const ParsedCatalogue& catalogue)
 {
-    const PackageInfo& package = catalogue.at(verdict.package);
+    const PackageInfo& package = catalogue.packages.at(verdict.package);
     return {{"package", verdict.package},
             {"label", packageLabel(package)},
+            {"line", catalogue.positions.at(verdict.package).line},
             {"outcome", outcomeName(verdict.outcome)},
             {"test", refusalName(verdict.refusal)},
             {"actual", verdict.actual},
@@ -132,7 +135,7 @@ QJsonArray rowsToJson(const PackageInfoList& rows, const QString& language)
     return list;
 }
 
-QJsonDocument toJson(const Explanation& explanation, const PackageInfoList& catalogue,
+QJsonDocument toJson(const Explanation& explanation, const ParsedCatalogue& catalogue,
                      const QString& language)
 {
     QJsonArray targets;
@@ -156,9 +159,9 @@ ExitCode run(const QCommandLineParser& parser, Terminal& terminal)
         throw CommandFailure(ExitUsage, "explain takes one catalogue");
     }
     const Installation installation = installationFrom(parser);
-    const PackageInfoList catalogue =
+    const ParsedCatalogue catalogue =
         parseCatalogue(readCatalogue(parser.positionalArguments().first()));
-    Explanation explanation = explain(catalogue, installation.criteria);
+    Explanation explanation = explain(catalogue.packages, installation.criteria);
     narrow(explanation, catalogue, parser.value("package"));
 
     const QString language = parser.value("language");

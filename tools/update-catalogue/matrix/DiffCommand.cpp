@@ -101,8 +101,9 @@ ExitCode run(const QCommandLineParser& parser, Terminal& terminal)
     }
     const QSet<int> gate = gateFrom(parser);
     const InstallationList installations = readInstallations(parser.value("installations"));
-    const OfferTable before(parseCatalogue(readCatalogue(catalogues.at(0))), installations);
-    const OfferTable after(parseCatalogue(readCatalogue(catalogues.at(1))), installations);
+    const OfferTable before(parseCatalogue(readCatalogue(catalogues.at(0))).packages,
+                            installations);
+    const OfferTable after(parseCatalogue(readCatalogue(catalogues.at(1))).packages, installations);
     const Comparison comparison = compareOffers(before, after, installations);
     if (parser.isSet("json")) {
         terminal.json(toJson(comparison));

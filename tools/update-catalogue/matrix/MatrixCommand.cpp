@@ -62,7 +62,7 @@ ExitCode run(const QCommandLineParser& parser, Terminal& terminal)
     }
     const InstallationList installations = readInstallations(parser.value("installations"));
     const PackageInfoList catalogue =
-        parseCatalogue(readCatalogue(parser.positionalArguments().first()));
+        parseCatalogue(readCatalogue(parser.positionalArguments().first())).packages;
     const OfferCount count = countOffers(OfferTable(catalogue, installations), installations);
     if (parser.isSet("json")) {
         terminal.json(toJson(count));

@@ -1,0 +1,155 @@
+// What the workbench says is offered must be what a real check leaves in the dialog's table: a real
+// client asks a real server for thousands of random catalogues.
+#include <QApplication>
+#include <QTableWidget>
+#include <QtTest>
+
+#include "client/PackageTable.h"
+#include "client/SoftwareUpdateClient.h"
+#include "client/SoftwareUpdateConstants.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/TestMain.h"
+#include "tests/tools/update-catalogue/RandomCatalogue.h"
+#include "tools/server/UpdateServer.h"
+#include "tools/update-catalogue/ParsedCatalogue.h"
+#include "tools/update-catalogue/explain/Explanation.h"
+
+namespace {
+
+constexpr int casesEachRun = 2500;
+
+QTableWidget* openTable()
+{
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        auto* table = widget->findChild<QTableWidget*>("tableWidget");
+        if (table != nullptr && widget->isVisible()) {
+            return table;
+        }
+    }
+    return nullptr;
+}
+
+QList<QStringList> cellsOf(const QTableWidget& table)
+{
+    QList<QStringList> rows;
+    for (int row = 0; row < table.rowCount(); ++row) {
+        QStringList cells;
+        for (int column = 0; column < table.columnCount(); ++column) {
+            cells.append(table.item(row, column)->text());
+        }
+        rows.append(cells);
+    }
+    return rows;
+}
+
+/** The rows that follow from the verdicts alone. */
+QList<QStringList> explainedRows(const vx::PackageInfoList& catalogue,
+                                 const vx::Explanation& explanation)
+{
+    QList<QStringList> rows;
+    for (const vx::TargetExplanation& target : explanation.targets) {
+        for (const vx::Verdict& verdict : target.verdicts) {
+            if (verdict.outcome != vx::Verdict::Offered) {
+                continue;
+            }
+            vx::PackageInfo package = catalogue.at(verdict.package);
+            package.type = target.kind == "camera" ? vx::sSoftUpCameraUpdateTag
+                                                   : vx::sSoftUpApplicationUpdateTag;
+            rows.append(vx::packageTableRow(package));
+        }
+    }
+    return rows;
+}
+
+vx::PackageInfoList packagesOf(const QByteArray& catalogue)
+{
+    return vx::parseCatalogue({"catalogue", catalogue}).packages;
+}
+
+} // namespace
+
+class tst_ExplainAgreesWithClient : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void agrees();
+
+private:
+    QList<QStringList> check(const QByteArray& catalogue, const vx::OfferCriteria& criteria);
+
+    vx::UpdateServer m_server;
+};
+
+QList<QStringList> tst_ExplainAgreesWithClient::check(const QByteArray& catalogue,
+                                                      const vx::OfferCriteria& criteria)
+{
+    vx::ServedReply reply;
+    reply.body = catalogue;
+    m_server.setReply("/catalogue.xml", reply);
+    m_server.clearRequests();
+    QSettings(QApplication::organizationName(), criteria.applicationName).clear();
+    QApplication::setApplicationName(criteria.applicationName);
+
+    vx::test::LogCapture log;
+    vx::SoftwareUpdateClient client("Product", criteria.versionNumber,
+                                    m_server.url("/catalogue.xml").toString(), nullptr);
+    vx::SoftwareUpdateSettings settings;
+    client.getCurrentSettings(&settings);
+    settings.checkForBeta = criteria.checkForBeta;
+    settings.supportedPlatforms = criteria.supportedPlatforms;
+    settings.supportedPackageTypes = criteria.supportedPackageTypes;
+    settings.currentCameraVersions = criteria.currentCameraVersions;
+    client.setCurrentSettings(&settings);
+    client.checkForUpdate();
+
+    const auto isDone = [&log] {
+        return log.contains(1,
+                            "SoftwareUpdateClient::evaluateServerResponse() -> update available") ||
+               log.contains(1,
+                            "SoftwareUpdateClient::productUpToDate() -> product is up to date!") ||
+               log.contains(3,
+                            "SoftwareUpdateClient::parseServerResponse() -> no update available");
+    };
+    if (!QTest::qWaitFor(isDone, 10000)) {
+        return {{"no verdict"}};
+    }
+    QTableWidget* table = openTable();
+    const QList<QStringList> rows = table == nullptr ? QList<QStringList>() : cellsOf(*table);
+    if (table != nullptr) {
+        table->window()->close();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    return rows;
+}
+
+void tst_ExplainAgreesWithClient::agrees()
+{
+    bool isNumber = false;
+    quint32 seed = qEnvironmentVariable("VX_TEST_SEED").toUInt(&isNumber);
+    seed = isNumber ? seed : 1;
+    QRandomGenerator random(seed);
+    QApplication::setOrganizationName("Agreement");
+    QVERIFY(m_server.start());
+
+    int offers = 0;
+    for (int i = 0; i < casesEachRun; ++i) {
+        const QByteArray catalogue = vx::test::randomCatalogue(random);
+        const vx::OfferCriteria criteria = vx::test::randomInstallation(random);
+        const vx::PackageInfoList packages = packagesOf(catalogue);
+        const QList<QStringList> explained =
+            explainedRows(packages, vx::explain(packages, criteria));
+        const QList<QStringList> shown = check(catalogue, criteria);
+        if (explained != shown) {
+            qWarning() << "seed" << seed << "case" << i << catalogue << explained << shown;
+        }
+        QCOMPARE(explained, shown);
+        offers += shown.isEmpty() ? 0 : 1;
+    }
+    // Were nothing ever offered, agreement would say nothing.
+    QVERIFY(offers > casesEachRun / 10);
+    QVERIFY(offers < casesEachRun * 9 / 10);
+}
+
+VX_TEST_MAIN(tst_ExplainAgreesWithClient)
+#include "tst_ExplainAgreesWithClient.moc"
