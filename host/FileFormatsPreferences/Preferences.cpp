@@ -4,26 +4,52 @@
 
 namespace vx {
 
+namespace {
+
+QString textValue(const QSettings& settings, const QString& key)
+{
+    return settings.value(key).toString().trimmed();
+}
+
+} // namespace
+
 QDateTime Preferences::dateTimeValue(const QSettings& settings, const QString& key,
                                      const QDateTime& defaultValue)
 {
-    return settings.value(key, defaultValue).toDateTime();
+    const QVariant value = settings.value(key);
+    const QDateTime time = value.type() == QVariant::DateTime
+                               ? value.toDateTime()
+                               : QDateTime::fromString(textValue(settings, key), Qt::ISODateWithMs);
+    return time.isValid() ? time.toLocalTime() : defaultValue;
 }
 
 bool Preferences::boolValue(const QSettings& settings, const QString& key, bool defaultValue)
 {
-    return settings.value(key, defaultValue).toBool();
+    const QString text = textValue(settings, key);
+    for (const bool flag : {false, true}) {
+        if (text.compare(QVariant(flag).toString(), Qt::CaseInsensitive) == 0) {
+            return flag;
+        }
+    }
+    bool isNumber = false;
+    const int number = text.toInt(&isNumber);
+    return isNumber ? number != 0 : defaultValue;
 }
 
 int Preferences::intValue(const QSettings& settings, const QString& key, int defaultValue)
 {
-    return settings.value(key, defaultValue).toInt();
+    bool isNumber = false;
+    // By way of the text: a variant would cut a larger number down to an int without a word.
+    const int number = textValue(settings, key).toInt(&isNumber);
+    return isNumber ? number : defaultValue;
 }
 
 QString Preferences::stringValue(const QSettings& settings, const QString& key,
                                  const QString& defaultValue)
 {
-    return settings.value(key, defaultValue).toString();
+    const QVariant value = settings.value(key);
+    const bool isText = value.isValid() && value.type() != QVariant::StringList;
+    return isText ? value.toString() : defaultValue;
 }
 
 void Preferences::setDateTimeValue(QSettings& settings, const QString& key, const QDateTime& value)

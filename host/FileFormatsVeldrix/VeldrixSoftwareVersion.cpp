@@ -1,12 +1,18 @@
 #include "host/FileFormatsVeldrix/VeldrixSoftwareVersion.h"
 
-namespace vx {
+#include <QRegularExpression>
 
-QString VeldrixSoftwareVersion::applicationVersion(const QString& version, const QString& text,
-                                                   short number)
+QString vx::VeldrixSoftwareVersion::applicationVersion(const QString& version, const QString& text,
+                                                       short number)
 {
-    Q_UNUSED(number)
-    return version.isEmpty() ? text : version;
+    static const QRegularExpression leadingNumbers(QStringLiteral("^[0-9]+(\\.[0-9]+)*"));
+    const QString shown = version.trimmed();
+    if (shown.isEmpty()) {
+        return text;
+    }
+    if (number <= 0) {
+        return shown;
+    }
+    const QString numbers = leadingNumbers.match(shown).captured();
+    return numbers.section(QLatin1Char('.'), 0, number - 1) + shown.mid(numbers.size());
 }
-
-} // namespace vx
