@@ -2,8 +2,6 @@
 
 #include <archive_entry.h>
 
-#include <algorithm>
-
 #include "host/FileFormatsZip/ArchiveStream.h"
 #include "host/FileFormatsZip/CentralDirectory.h"
 #include "host/FileFormatsZip/Checksum.h"
@@ -41,22 +39,22 @@ ArchiveEntry::Kind kindOf(archive_entry* entry, const DirectoryRecord& record)
     }
 }
 
-bool isAscii(const QByteArray& bytes)
-{
-    return std::all_of(bytes.begin(), bytes.end(),
-                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
-
+/**
+ * libarchive leaves the checksum of link targets alone, and composes the characters of those that
+ * are flagged as UTF-8. macOS writes them decomposed; the checksum tells which form was packed.
+ */
 QString linkTargetOf(archive_entry* entry, const DirectoryRecord& record)
 {
     const QByteArray target = archive_entry_symlink(entry);
-    // libarchive leaves the checksum of link targets alone. It may have composed other characters
-    // than ASCII anew, so that only an ASCII target is sure to be what the checksum was made of.
-    const bool isReadable = archive_entry_is_encrypted(entry) == 0 && isAscii(target);
-    if (isReadable && crc32(target) != record.crc32) {
-        refuse(record.name, QStringLiteral("is damaged: its checksum is wrong"));
+    const QString text = decodeName(target);
+    const QString decomposed = text.normalized(QString::NormalizationForm_D);
+    if (archive_entry_is_encrypted(entry) != 0 || crc32(target) == record.crc32) {
+        return text;
     }
-    return decodeName(target);
+    if (crc32(decomposed.toUtf8()) == record.crc32) {
+        return decomposed;
+    }
+    refuse(record.name, QStringLiteral("is damaged: its checksum is wrong"));
 }
 
 ArchiveEntry readEntry(const ArchiveStream& stream, const CentralDirectory& directory)

@@ -27,6 +27,9 @@ void requireAcceptable(const ArchiveEntry& entry)
     if (!entry.isMethodSupported) {
         refuse(entry.name, QStringLiteral("is compressed by a method that is not supported"));
     }
+    if (entry.kind == ArchiveEntry::Folder && entry.size != 0) {
+        refuse(entry.name, QStringLiteral("is a folder, but has content"));
+    }
     if (entry.size < 0) {
         refuse(entry.name, QStringLiteral("has an impossible size"));
     }

@@ -45,12 +45,23 @@ void ZipDevice::beginProgress()
     }
 }
 
+bool ZipDevice::wasCanceled() const
+{
+    // QProgressDialog::cancel() sets its flag without a signal; the signal comes from the user.
+    return m_canceled || (m_dialog && m_dialog->wasCanceled());
+}
+
 void ZipDevice::showProgress(qint64 done, qint64 total)
 {
-    if (m_dialog) {
+    // A new value would show a cancelled dialog again.
+    if (m_dialog && !wasCanceled()) {
         // One step is kept back for endProgress(): a full dialog closes itself.
         m_dialog->setValue(stepOf(done, total));
-        QCoreApplication::processEvents();
+    }
+    const QPointer<ZipDevice> self(this);
+    QCoreApplication::processEvents();
+    if (self && wasCanceled()) {
+        m_canceled = true;
     }
 }
 

@@ -38,8 +38,11 @@ public:
      */
     void attachProgressDialog(QProgressDialog* dialog);
 
-    /** Whether the user has cancelled the dialog since it was attached, even if it is gone now. */
-    bool wasCanceled() const { return m_canceled; }
+    /**
+     * Whether the attached dialog is cancelled, be it by the user or by QProgressDialog::cancel().
+     * It stays true when the dialog is gone, and starts anew when another one is attached.
+     */
+    bool wasCanceled() const;
 
 protected:
     ZipDevice(const QString& path, QObject* parent);

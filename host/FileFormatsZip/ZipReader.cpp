@@ -118,7 +118,11 @@ void ZipReader::extractFiles(const QStringList& names, const QString& targetFold
         ExtractionPlan plan(selected(archive->index, names), flat);
         Extraction(archive->file, std::move(plan), targetFolder, state).run();
     });
+    const QPointer<ZipReader> self(this);
     watch(task, state);
+    if (!self) {
+        fail(QStringLiteral("The archive was closed while it was being unpacked."));
+    }
     if (!task.failure().isEmpty()) {
         fail(task.failure());
     }

@@ -70,6 +70,9 @@ public:
      * When the user cancels the attached dialog, the call returns within 100 ms, throws nothing,
      * and leaves what it has unpacked so far, an unfinished file included; see wasCanceled().
      *
+     * A dialog's events may destroy the reader: the work then ends as if it was cancelled, and the
+     * call throws.
+     *
      * @param names        entries as fileList() gives them. An unknown name is a failure; an empty
      *                     list unpacks nothing.
      * @param targetFolder created if it does not exist; the folder above it must exist.

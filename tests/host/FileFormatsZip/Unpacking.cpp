@@ -120,6 +120,8 @@ QByteArray contentOf(const QString& path)
 void writeFile(const QString& path, const QByteArray& content)
 {
     QDir().mkpath(QFileInfo(path).path());
+    // A new file, for some file systems flush one that is cut and written anew to the disk.
+    QFile::remove(path);
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
         qFatal("cannot write %s", qPrintable(path));

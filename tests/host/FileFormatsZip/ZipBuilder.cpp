@@ -93,6 +93,63 @@ QByteArray centralHeader(const ZipEntry& entry, qint64 offset)
     return header + entry.name + entry.centralExtra;
 }
 
+/**
+ * A deflate stream of zeros: one block with the fixed codes of RFC 1951, 3.2.6, that holds one
+ * literal zero and then matches of 258 bytes at distance 1, in 13 bits each.
+ */
+class ZerosStream
+{
+public:
+    explicit ZerosStream(qint64 matches)
+        : m_bodyEnd(prefix.size() + matches * match.size())
+    {}
+
+    QByteArray bytes() const
+    {
+        constexpr int periodStart = 2;
+        constexpr int period = 13;
+        const qint64 length = (m_bodyEnd + endOfBlock + 7) / 8;
+        QByteArray stream;
+        for (int i = 0; i < periodStart + period; ++i) {
+            stream += byteAt(i);
+        }
+        const auto periods = static_cast<int>(m_bodyEnd / 8 - periodStart) / period - 1;
+        stream += stream.mid(periodStart).repeated(periods);
+        while (stream.size() < length) {
+            stream += byteAt(stream.size());
+        }
+        return stream;
+    }
+
+private:
+    char byteAt(qint64 index) const
+    {
+        int byte = 0;
+        for (int bit = 0; bit < 8; ++bit) {
+            byte |= bitAt(index * 8 + bit) << bit;
+        }
+        return static_cast<char>(byte);
+    }
+
+    int bitAt(qint64 index) const
+    {
+        if (index < prefix.size()) {
+            return prefix[static_cast<int>(index)] - '0';
+        }
+        return index < m_bodyEnd
+                   ? match[static_cast<int>((index - prefix.size()) % match.size())] - '0'
+                   : 0;
+    }
+
+    static constexpr int endOfBlock = 7;
+    const QByteArray prefix = "1"         // the last block
+                              "10"        // with fixed codes
+                              "00110000"; // a literal zero
+    const QByteArray match = "11000101"   // length 258
+                             "00000";     // distance 1
+    qint64 m_bodyEnd;
+};
+
 } // namespace
 
 ZipEntry file(const QByteArray& name, const QByteArray& content, unsigned mode)
@@ -130,6 +187,31 @@ ZipEntry deflate(ZipEntry entry)
 {
     entry.method = ZipEntry::deflated;
     return entry;
+}
+
+ZipEntry inUtf8(ZipEntry entry)
+{
+    entry.flags |= ZipEntry::utf8Flag;
+    return entry;
+}
+
+ZipEntry declareZip64(ZipEntry entry, quint64 size)
+{
+    QByteArray extra;
+    put16(extra, 1); // Zip64
+    put16(extra, 8);
+    put64(extra, static_cast<qint64>(size));
+    entry.unpackedSize = 0xFFFFFFFF;
+    entry.localExtra = entry.centralExtra = extra;
+    return entry;
+}
+
+ZipEntry fileOfZeros(const QByteArray& name, const Zeros& zeros)
+{
+    ZipEntry entry = deflate(file(name, QByteArray()));
+    entry.packed = ZerosStream(static_cast<qint64>(zeros.count - 1) / 258).bytes();
+    entry.crc32 = zeros.crc32;
+    return declareZip64(entry, zeros.count);
 }
 
 ZipBuilder::ZipBuilder(std::initializer_list<ZipEntry> entries)

@@ -50,6 +50,24 @@ ZipEntry special(const QByteArray& name, unsigned type);
 /** The same entry, deflated. */
 ZipEntry deflate(ZipEntry entry);
 
+/** The same entry, flagged to have its name in UTF-8. */
+ZipEntry inUtf8(ZipEntry entry);
+
+/** The same entry, declaring @p size in the Zip64 form. */
+ZipEntry declareZip64(ZipEntry entry, quint64 size);
+
+/** A number of zeros, one more than a multiple of 8 * 258, and their checksum. */
+struct Zeros
+{
+    quint64 count;
+    quint32 crc32;
+};
+constexpr Zeros beyond4GiB = {4308600001, 0xF09E3DB6};
+constexpr Zeros someSeconds = {412800001, 0xE2DB085A};
+
+/** A file of nothing but zeros, in one 160th of its size, built in no time. */
+ZipEntry fileOfZeros(const QByteArray& name, const Zeros& zeros);
+
 /**
  * Writes ZIP archives byte by byte, so that they can lie in every way. Everything carries the time
  * 2020-02-02 02:02:02.

@@ -30,12 +30,6 @@ ZipEntry madeOnDos(ZipEntry entry)
     return entry;
 }
 
-ZipEntry inUtf8(ZipEntry entry)
-{
-    entry.flags |= ZipEntry::utf8Flag;
-    return entry;
-}
-
 ZipEntry named(ZipEntry entry, const QByteArray& localName)
 {
     entry.localName = localName;
@@ -218,6 +212,9 @@ void TestHostileArchives::addKinds()
     row("block device", {special("a", S_IFBLK)}, neither);
     row("socket", {special("a", S_IFSOCK)}, neither);
     row("unknown type", {special("a", 0150000)}, neither);
+    ZipEntry filled = folder("a/");
+    filled.content = "content";
+    row("folder with content", {filled}, "'a/' is a folder, but has content");
     row("encrypted", {encrypted(file("a"))}, "'a' is encrypted");
     row("encrypted link", {encrypted(link("a", "b"))}, "'a' is encrypted");
     row("method Shrink", {ofMethod(file("a"), 1)}, "a method that is not supported");

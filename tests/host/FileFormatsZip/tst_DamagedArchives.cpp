@@ -1,0 +1,146 @@
+#include <QDir>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "host/CoreQt/IOException.h"
+#include "host/FileFormatsZip/ZipReader.h"
+#include "tests/host/FileFormatsZip/Unpacking.h"
+#include "tests/host/FileFormatsZip/ZipBuilder.h"
+#include "tests/support/TestMain.h"
+
+using namespace vx::test;
+
+namespace {
+
+/** What is in a tree, without modes and types, which no checksum guards. */
+QMap<QByteArray, QByteArray> payloadOf(const QString& folder)
+{
+    QMap<QByteArray, QByteArray> payload = treeOf(folder);
+    for (QByteArray& line : payload) {
+        const int contentAt = line.startsWith("file ") ? line.indexOf(' ', 5) : line.indexOf(' ');
+        line = line.startsWith("folder ") ? QByteArray() : line.mid(contentAt + 1);
+    }
+    return payload;
+}
+
+} // namespace
+
+/** An archive that was cut or changed on its way. */
+class TestDamagedArchives : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cutAnywhere();
+    void changedAnywhere_data();
+    void changedAnywhere();
+    void notAnArchive_data();
+    void notAnArchive();
+    void cutWhileItIsOpen();
+
+private:
+    QByteArray sampleArchive();
+    QString path(const QString& name) const { return m_folder->filePath(name); }
+
+    QScopedPointer<QTemporaryDir> m_folder;
+};
+
+void TestDamagedArchives::init()
+{
+    m_folder.reset(new QTemporaryDir);
+}
+
+/** A small one with all kinds of entries, from the program that most are made with. */
+QByteArray TestDamagedArchives::sampleArchive()
+{
+    writeFile(path("packed/a/stored.txt"), "first\n");
+    writeFile(path("packed/a/deflated.txt"), QByteArray("second line\n").repeated(20));
+    QDir().mkpath(path("packed/empty"));
+    QFile::link("a/stored.txt", path("packed/link"));
+    runTool(path("packed"), "zip", {"-qryX", "../sample.zip", "a", "empty", "link"});
+    return contentOf(path("sample.zip"));
+}
+
+void TestDamagedArchives::cutAnywhere()
+{
+    const QByteArray archive = sampleArchive();
+    QVERIFY(archive.size() > 300);
+    for (int length = 0; length < archive.size(); ++length) {
+        writeFile(path("a.zip"), archive.left(length));
+        const QString reason = unpackWithReader(path("a.zip"), path("target"));
+        QVERIFY2(reason.contains("incomplete"), qPrintable(QString::number(length) + reason));
+        QVERIFY2(!QFileInfo::exists(path("target")), qPrintable(QString::number(length)));
+    }
+}
+
+void TestDamagedArchives::changedAnywhere_data()
+{
+    QTest::addColumn<int>("change");
+    QTest::newRow("lowest bit") << 0x01;
+    QTest::newRow("a bit in the middle") << 0x20;
+    QTest::newRow("highest bit") << 0x80;
+    QTest::newRow("all bits") << 0xFF;
+}
+
+/** A change is noticed, or it makes no difference to what is in the files. */
+void TestDamagedArchives::changedAnywhere()
+{
+    QFETCH(int, change);
+    const QByteArray archive = sampleArchive();
+    const auto original = payloadOf(path("packed"));
+    int noticed = 0;
+    for (int at = 0; at < archive.size(); ++at) {
+        QByteArray changed = archive;
+        changed[at] = static_cast<char>(changed.at(at) ^ change);
+        writeFile(path("a.zip"), changed);
+        const QString target = path("target%1").arg(at);
+        if (unpackWithReader(path("a.zip"), target).isEmpty()) {
+            QVERIFY2(payloadOf(target) == original, qPrintable(QString::number(at)));
+        } else {
+            ++noticed;
+            QVERIFY2(!QFileInfo::exists(target), qPrintable(QString::number(at)));
+        }
+    }
+    // Among the changed modes are some that would keep the folder from being removed.
+    runTool(m_folder->path(), "chmod", {"-R", "u+rwX", "."});
+    QVERIFY2(noticed > archive.size() / 2, qPrintable(QString::number(noticed)));
+}
+
+void TestDamagedArchives::notAnArchive_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("nothing") << QByteArray();
+    QTest::newRow("text") << QByteArray("Not found\n").repeated(100);
+    QTest::newRow("the signature alone") << QByteArray("PK\3\4");
+    QTest::newRow("ends of archives") << QByteArray("PK\5\6").repeated(100);
+    QTest::newRow("directory outside")
+        << QByteArray("PK\5\6\0\0\0\0\1\0\1\0\377\377\377\0\0\0\0\0\0\0", 22);
+    QTest::newRow("Zip64 end outside")
+        << QByteArray("PK\6\7\0\0\0\0\377\377\377\377\377\377\377\377\1\0\0\0", 20) +
+               QByteArray("PK\5\6\0\0\0\0\1\0\1\0\0\0\0\0\0\0\0\0\0\0", 22);
+}
+
+void TestDamagedArchives::notAnArchive()
+{
+    QFETCH(QByteArray, content);
+    writeFile(path("a.zip"), content);
+    const QString reason = unpackWithReader(path("a.zip"), path("target"));
+    QVERIFY2(reason.contains("incomplete"), qPrintable(reason));
+    QVERIFY(!QFileInfo::exists(path("target")));
+}
+
+/** Somebody else cuts the file between opening and unpacking. */
+void TestDamagedArchives::cutWhileItIsOpen()
+{
+    ZipBuilder{file("a"), file("b", QByteArray(1000000, 'b'))}.write(path("a.zip"));
+    vx::ZipReader reader(path("a.zip"), nullptr);
+    QVERIFY(reader.open(QIODevice::ReadOnly));
+    QVERIFY(QFile::resize(path("a.zip"), 500000));
+    QVERIFY_EXCEPTION_THROWN(reader.extractFiles(reader.fileList(QRegExp()), path("target"), false),
+                             vx::IOException);
+    QVERIFY(!QFileInfo::exists(path("target")));
+}
+
+VX_TEST_MAIN(TestDamagedArchives)
+#include "tst_DamagedArchives.moc"

@@ -1,0 +1,101 @@
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <sys/stat.h>
+
+#include "host/FileFormatsZip/ZipReader.h"
+#include "tests/host/FileFormatsZip/Unpacking.h"
+#include "tests/host/FileFormatsZip/ZipBuilder.h"
+#include "tests/support/TestMain.h"
+
+using namespace vx::test;
+
+namespace {
+
+constexpr int manyEntries = 66000;
+
+ZipBuilder manyFiles()
+{
+    ZipBuilder archive;
+    for (int i = 0; i < manyEntries; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        archive.add(file("d" + QByteArray::number(i / 1000) + "/f" + number, number));
+    }
+    return archive;
+}
+
+} // namespace
+
+/** Archives beyond the limits of the first ZIP format. */
+class TestLargeArchives : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void moreEntriesThan16Bits();
+    void moreEntriesThanAnnounced();
+    void fileBeyond4GiB();
+    void smallArchiveInZip64();
+    void tooManyEntries();
+};
+
+void TestLargeArchives::moreEntriesThan16Bits()
+{
+    const QTemporaryDir folder;
+    manyFiles().useZip64().write(folder.filePath("a.zip"));
+    vx::ZipReader reader(folder.filePath("a.zip"), nullptr);
+    QVERIFY(reader.open(QIODevice::ReadOnly));
+    QCOMPARE(reader.fileList(QRegExp()).size(), manyEntries);
+    const QStringList some = reader.fileList(QRegExp("^d(0|65)/"));
+    reader.extractFiles(some, folder.filePath("target"), false);
+    const auto tree = treeOf(folder.filePath("target"));
+    QCOMPARE(tree.size(), 2 + 2 * 1000);
+    QCOMPARE(tree.value("d0/f0"), QByteArray("file 644 0"));
+    QCOMPARE(tree.value("d65/f65999"), QByteArray("file 644 65999"));
+}
+
+/** Writers that know no Zip64 let the count overflow. */
+void TestLargeArchives::moreEntriesThanAnnounced()
+{
+    const QTemporaryDir folder;
+    manyFiles().write(folder.filePath("a.zip"));
+    vx::ZipReader reader(folder.filePath("a.zip"), nullptr);
+    QVERIFY(reader.open(QIODevice::ReadOnly));
+    QCOMPARE(reader.fileList(QRegExp()).size(), manyEntries);
+}
+
+void TestLargeArchives::fileBeyond4GiB()
+{
+    const QTemporaryDir folder;
+    ZipBuilder{file("before"), fileOfZeros("huge", beyond4GiB), file("after")}.useZip64().write(
+        folder.filePath("a.zip"));
+    QCOMPARE(unpackWithReader(folder.filePath("a.zip"), folder.filePath("target")), QString());
+    struct stat status = {};
+    QCOMPARE(::stat(QFile::encodeName(folder.filePath("target/huge")).constData(), &status), 0);
+    QCOMPARE(quint64(status.st_size), beyond4GiB.count);
+    // Zeros take no room.
+    QVERIFY(status.st_blocks * 512 < 100 * 1024 * 1024);
+    QCOMPARE(contentOf(folder.filePath("target/after")), QByteArray("content"));
+}
+
+void TestLargeArchives::smallArchiveInZip64()
+{
+    const QTemporaryDir folder;
+    ZipBuilder{file("a"), declareZip64(file("b"), 7)}.useZip64().write(folder.filePath("a.zip"));
+    QCOMPARE(unpackWithReader(folder.filePath("a.zip"), folder.filePath("target")), QString());
+    QCOMPARE(contentOf(folder.filePath("target/b")), QByteArray("content"));
+}
+
+void TestLargeArchives::tooManyEntries()
+{
+    const QTemporaryDir folder;
+    QByteArray archive = ZipBuilder({file("a")}).useZip64().bytes();
+    const int count = archive.lastIndexOf("PK\6\6") + 32;
+    archive.replace(count, 3, "\x41\x42\x0f", 3); // 1000001
+    writeFile(folder.filePath("a.zip"), archive);
+    QCOMPARE(unpackWithReader(folder.filePath("a.zip"), folder.filePath("target")),
+             QString("The archive is refused: it holds more than 1000000 entries."));
+}
+
+VX_TEST_MAIN(TestLargeArchives)
+#include "tst_LargeArchives.moc"
