@@ -34,6 +34,22 @@ void nameForAssistiveTools(Ui_SoftwareUpdateAvailableGui& form, const QString& d
     form.commentText->setAccessibleName(dialogTitle);
 }
 
+// The sentence beside the link takes the room of its row, and not only half of it.
+void widenSupportLink(Ui_SoftwareUpdateAvailableGui& form)
+{
+    form.horizontalLayout_3->setStretchFactor(form.vxLinkLabel, 1);
+}
+
+// With a large font the form's own minimum width cuts off buttons, and a small screen allows so
+// little height that texts are cut off. With an ordinary font nothing changes here.
+void makeRoomForTexts(QDialog& dialog)
+{
+    const QLayout& layout = *dialog.layout();
+    dialog.setMinimumWidth(std::max(dialog.minimumWidth(), layout.totalMinimumSize().width()));
+    const int neededHeight = layout.minimumHeightForWidth(dialog.width());
+    dialog.resize(dialog.width(), std::max(dialog.height(), neededHeight));
+}
+
 // Strings beyond the first row's have no cell: the table would take them for cells of the next row.
 void fillTable(QTableWidget& table, const QList<QStringList>& entries)
 {
@@ -62,6 +78,7 @@ SoftwareUpdateAvailableDialog::SoftwareUpdateAvailableDialog(QWidget* parent, Qt
 {
     m_form->setupUi(this);
     makeReachableByKeyboard(*m_form);
+    widenSupportLink(*m_form);
     nameForAssistiveTools(*m_form, windowTitle());
     registerSignalArgument<SoftUpIndexList>("SoftUpIndexList");
 
@@ -83,6 +100,7 @@ SoftwareUpdateAvailableDialog::SoftwareUpdateAvailableDialog(QWidget* parent, Qt
     m_form->installPushButton->setDefault(true);
     m_form->installPushButton->setAutoDefault(true);
     adjustSize();
+    makeRoomForTexts(*this);
     m_form->commentText->hide();
 }
 

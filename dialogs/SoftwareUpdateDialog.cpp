@@ -67,6 +67,7 @@ void SoftwareUpdateDialog::setDialogSettings(SoftwareUpdateDialogSettings const&
     m_form->checkForBetaCheckBox->setChecked(settings.checkForBeta);
     m_form->updateComboBox->setCurrentIndex(settings.updateInterval);
     m_form->updateServerLineEdit->setText(settings.serverURL);
+    m_form->updateServerLineEdit->home(false);
     showCaptioned(m_form->currentVersionLabel, m_form->currentVersionNumberLabel,
                   settings.versionText);
     showCaptioned(m_form->lastCheckLabel, m_form->lastCheckDateLabel, settings.lastCheckText);
