@@ -4,7 +4,8 @@ namespace vx {
 
 const QList<Command>& allCommands()
 {
-    static const QList<Command> commands{lintCommand, explainCommand, matrixCommand, diffCommand};
+    static const QList<Command> commands{lintCommand, explainCommand, matrixCommand,
+                                         diffCommand, serveCommand,   previewCommand};
     return commands;
 }
 

@@ -12,5 +12,9 @@ extern const Command explainCommand;
 extern const Command matrixCommand;
 /** matrix/DiffCommand.cpp */
 extern const Command diffCommand;
+/** serve/ServeCommand.cpp */
+extern const Command serveCommand;
+/** preview/PreviewCommand.cpp */
+extern const Command previewCommand;
 
 } // namespace vx

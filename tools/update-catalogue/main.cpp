@@ -15,6 +15,16 @@ void silenceLog()
     }
 }
 
+/** Dates and hidden rows follow the system's language, which Qt reads before it reads options. */
+void useSystemLanguage(int argc, char** argv)
+{
+    for (int i = 2; i + 1 < argc; ++i) {
+        if (qstrcmp(argv[i], "--language") == 0) {
+            qputenv("LC_ALL", argv[i + 1]);
+        }
+    }
+}
+
 QCoreApplication* createApplication(int& argc, char** argv)
 {
     const vx::Command* command = argc > 1 ? vx::findCommand(argv[1]) : nullptr;
@@ -23,6 +33,7 @@ QCoreApplication* createApplication(int& argc, char** argv)
     }
     // Pictures are made without a display, so that a release pipeline can make them, too.
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    useSystemLanguage(argc, argv);
     return new QApplication(argc, argv);
 }
 
