@@ -19,6 +19,7 @@ SeenBox lookedAt(const QMessageBox& box)
     for (const QAbstractButton* button : box.buttons()) {
         buttons << plainText(button);
     }
+    buttons.sort();
     return {box.icon(),         box.windowTitle(), box.text(),   buttons,
             box.parentWidget(), box.windowFlags(), box.isModal()};
 }

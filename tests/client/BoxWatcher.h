@@ -17,7 +17,7 @@ struct SeenBox
     QMessageBox::Icon icon;
     QString title;
     QString text;
-    /** In the order in which the box lists them, without "&". */
+    /** Sorted, without "&". */
     QStringList buttons;
     QWidget* parent;
     Qt::WindowFlags flags;

@@ -1,6 +1,7 @@
 #include "tests/client/ClientFixture.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QTimer>
 #include <QtTest>
 
@@ -31,12 +32,13 @@ Dialog* openDialog()
     return nullptr;
 }
 
-void deleteWindows()
+// What a client leaves to its host, and the windows of the test itself spared.
+void deleteDialogs()
 {
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (QWidget* window : windows) {
-        // Children of another window of the list are gone by the time that the loop gets there.
-        if (QApplication::topLevelWidgets().contains(window)) {
+        // Children of another dialog of the list are gone by the time that the loop gets there.
+        if (QApplication::topLevelWidgets().contains(window) && qobject_cast<QDialog*>(window)) {
             delete window;
         }
     }
@@ -129,7 +131,7 @@ ClientFixture::ClientFixture()
 ClientFixture::~ClientFixture()
 {
     m_client.reset();
-    deleteWindows();
+    deleteDialogs();
     deleteDeferred();
     NodeDB::getDB().setGlobalProxy(NetworkProxy());
 }
