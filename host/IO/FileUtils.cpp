@@ -9,10 +9,22 @@
 
 namespace vx {
 
+namespace {
+
+// Qt gives no path at all when TMPDIR names a folder that is not there. The current folder, which
+// an empty path stands for, is no place for temporary files.
+QString temporaryFolder()
+{
+    const QString folder = QDir::tempPath();
+    return folder.isEmpty() ? qEnvironmentVariable("TMPDIR") : folder;
+}
+
+} // namespace
+
 QString FileUtils::createTempDir()
 {
     const QString prefix =
-        QDir(QDir::tempPath()).absoluteFilePath(QStringLiteral("SoftwareUpdate-"));
+        QDir(temporaryFolder()).absoluteFilePath(QStringLiteral("SoftwareUpdate-"));
     QTemporaryDir folder(prefix + QStringLiteral("XXXXXX"));
     folder.setAutoRemove(false);
     if (!folder.isValid()) {
