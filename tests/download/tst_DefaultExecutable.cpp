@@ -1,0 +1,226 @@
+#include <QtTest>
+
+#include "tests/download/EngineProbe.h"
+#include "tests/support/TestMain.h"
+
+using namespace vx;
+
+namespace {
+
+class Finder : public DownloadManager
+{
+public:
+    using DownloadManager::findDefaultExecutable;
+};
+
+constexpr auto readable = QFile::ReadOwner | QFile::WriteOwner;
+constexpr auto runnable = readable | QFile::ExeOwner;
+
+} // namespace
+
+class DefaultExecutableTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void emptyTreeGivesNothing();
+    void missingFolderGivesNothing();
+    void largestWins();
+    void equalSizesGoByName();
+    void bitDecidesAndNotTheName();
+    void ownFilesWinOverDeeperOnes();
+    void subfolderNameStandsInFront();
+    void firstListedFolderWins();
+    void depthGoesFirst();
+    void deepTree();
+    void namesKeepBlanksAndLetters();
+    void hiddenFilesDoNotCount();
+    void linkToAProgramCounts();
+    void brokenLinkDoesNot();
+    void linkedFoldersAreNotEntered();
+    void circlesOfLinksEnd();
+    void foldersWithoutRightsAreEmpty();
+    void calledByName();
+
+private:
+    void add(const QString& path, int size, QFile::Permissions permissions);
+    QString find() const { return Finder().findDefaultExecutable(QDir(m_folder->path())); }
+
+    QScopedPointer<QTemporaryDir> m_folder;
+};
+
+void DefaultExecutableTest::init()
+{
+    m_folder.reset(new QTemporaryDir);
+}
+
+void DefaultExecutableTest::add(const QString& path, int size, QFile::Permissions permissions)
+{
+    QFile file(m_folder->filePath(path));
+    QVERIFY(QDir(m_folder->path()).mkpath(QFileInfo(file.fileName()).path()));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(QByteArray(size, 'x')), qint64(size));
+    QVERIFY(file.setPermissions(permissions));
+}
+
+void DefaultExecutableTest::emptyTreeGivesNothing()
+{
+    QCOMPARE(find(), QString());
+    QVERIFY(QDir(m_folder->path()).mkpath("a/b/c"));
+    QVERIFY(QDir(m_folder->path()).mkpath("d"));
+    add("a/readme.txt", 100, readable);
+    QCOMPARE(find(), QString());
+}
+
+void DefaultExecutableTest::missingFolderGivesNothing()
+{
+    QCOMPARE(Finder().findDefaultExecutable(QDir(m_folder->filePath("none"))), QString());
+}
+
+void DefaultExecutableTest::largestWins()
+{
+    add("small", 10, runnable);
+    add("large", 1000, runnable);
+    add("middle", 100, runnable);
+    add("document", 100000, readable);
+    QCOMPARE(find(), QString("large"));
+}
+
+void DefaultExecutableTest::equalSizesGoByName()
+{
+    add("zebra", 50, runnable);
+    add("apple", 50, runnable);
+    add("mango", 50, runnable);
+    QCOMPARE(find(), QString("apple"));
+}
+
+void DefaultExecutableTest::bitDecidesAndNotTheName()
+{
+    add("setup.exe", 5000, readable);
+    add("notes.txt", 5, runnable);
+    QCOMPARE(find(), QString("notes.txt"));
+}
+
+void DefaultExecutableTest::ownFilesWinOverDeeperOnes()
+{
+    add("bin/huge", 100000, runnable);
+    add("tiny", 1, runnable);
+    QCOMPARE(find(), QString("tiny"));
+}
+
+void DefaultExecutableTest::subfolderNameStandsInFront()
+{
+    add("bin/program", 10, runnable);
+    add("readme", 10, readable);
+    QCOMPARE(find(), QString("bin/program"));
+}
+
+void DefaultExecutableTest::firstListedFolderWins()
+{
+    add("one/program", 10, runnable);
+    add("two/program", 9999, runnable);
+    add("three/program", 500, runnable);
+    const QStringList folders =
+        QDir(m_folder->path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Unsorted);
+    QCOMPARE(folders.size(), 3);
+    QCOMPARE(find(), folders.first() + "/program");
+}
+
+// What is deep in the first folder goes before what is high up in the second.
+void DefaultExecutableTest::depthGoesFirst()
+{
+    QVERIFY(QDir(m_folder->path()).mkpath("one"));
+    QVERIFY(QDir(m_folder->path()).mkpath("two"));
+    const QStringList folders =
+        QDir(m_folder->path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Unsorted);
+    add(folders.at(0) + "/x/y/z/deep", 1, runnable);
+    add(folders.at(1) + "/high", 9999, runnable);
+    QCOMPARE(find(), folders.at(0) + "/x/y/z/deep");
+}
+
+void DefaultExecutableTest::deepTree()
+{
+    QString path;
+    for (int level = 0; level < 400; ++level) {
+        path += "d/";
+    }
+    add(path + "program", 1, runnable);
+    QCOMPARE(find(), path + "program");
+}
+
+void DefaultExecutableTest::namesKeepBlanksAndLetters()
+{
+    const QString name = QString::fromUtf8("K\xc3\xa4mera Ordner/Mein Programm \xe6\x97\xa5");
+    add(name, 1, runnable);
+    QCOMPARE(find(), name);
+}
+
+void DefaultExecutableTest::hiddenFilesDoNotCount()
+{
+    add(".hook", 100, runnable);
+    add(".cache/program", 100, runnable);
+    QCOMPARE(find(), QString());
+}
+
+void DefaultExecutableTest::linkToAProgramCounts()
+{
+    add("lib/real", 10, runnable);
+    QVERIFY(QFile::link(m_folder->filePath("lib/real"), m_folder->filePath("start")));
+    QCOMPARE(find(), QString("start"));
+}
+
+void DefaultExecutableTest::brokenLinkDoesNot()
+{
+    QVERIFY(QFile::link(m_folder->filePath("none"), m_folder->filePath("start")));
+    QCOMPARE(find(), QString());
+}
+
+void DefaultExecutableTest::linkedFoldersAreNotEntered()
+{
+    const QTemporaryDir outside;
+    QFile program(outside.filePath("foreign"));
+    QVERIFY(program.open(QIODevice::WriteOnly));
+    QVERIFY(program.setPermissions(runnable));
+    QVERIFY(QFile::link(outside.path(), m_folder->filePath("link")));
+    QCOMPARE(find(), QString());
+}
+
+void DefaultExecutableTest::circlesOfLinksEnd()
+{
+    QVERIFY(QDir(m_folder->path()).mkpath("a/b"));
+    for (int i = 0; i < 20; ++i) {
+        QVERIFY(QFile::link(m_folder->path(), m_folder->filePath(QStringLiteral("up%1").arg(i))));
+        QVERIFY(QFile::link("..", m_folder->filePath(QStringLiteral("a/b/up%1").arg(i))));
+    }
+    QVERIFY(QFile::link("self", m_folder->filePath("self")));
+    QCOMPARE(find(), QString());
+    add("a/b/program", 1, runnable);
+    QCOMPARE(find(), QString("a/b/program"));
+}
+
+// For the superuser there is no such folder; there the program in it is found.
+void DefaultExecutableTest::foldersWithoutRightsAreEmpty()
+{
+    add("closed/program", 1, runnable);
+    const QString folder = m_folder->filePath("closed");
+    QVERIFY(QFile::setPermissions(folder, {}));
+    const bool mayEnter = QFileInfo(folder).isReadable();
+    const QString found = find();
+    QVERIFY(QFile::setPermissions(folder, runnable));
+    QCOMPARE(found, mayEnter ? QString("closed/program") : QString());
+}
+
+void DefaultExecutableTest::calledByName()
+{
+    add("program", 1, runnable);
+    DownloadManager engine;
+    QString found;
+    QVERIFY(QMetaObject::invokeMethod(&engine, "findDefaultExecutable", Qt::DirectConnection,
+                                      Q_RETURN_ARG(QString, found),
+                                      Q_ARG(QDir, QDir(m_folder->path()))));
+    QCOMPARE(found, QString("program"));
+}
+
+VX_TEST_MAIN(DefaultExecutableTest)
+#include "tst_DefaultExecutable.moc"

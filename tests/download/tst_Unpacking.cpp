@@ -1,0 +1,288 @@
+#include <QMessageBox>
+#include <QPushButton>
+#include <QtTest>
+
+#include "host/FileFormatsZip/Unzipper.h"
+#include "tests/download/DialogDriver.h"
+#include "tests/download/EngineEvents.h"
+#include "tests/download/EngineProbe.h"
+#include "tests/host/FileFormatsZip/ZipBuilder.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/TestMain.h"
+
+using namespace vx;
+using namespace vx::test;
+
+namespace {
+
+QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<no file>");
+}
+
+QStringList temporaryFolders()
+{
+    return QDir(QDir::tempPath()).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
+}
+
+/** What a message box showed before it was closed. */
+struct SeenBox
+{
+    QString title;
+    QString text;
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    QMessageBox::StandardButtons buttons;
+    bool modal = false;
+    bool hasParent = true;
+};
+
+DialogDriver::Handler noteAndClose(SeenBox& seen)
+{
+    return [&seen](QDialog* dialog) {
+        auto* box = qobject_cast<QMessageBox*>(dialog);
+        if (box == nullptr || !box->isVisible()) {
+            return false;
+        }
+        seen = {box->windowTitle(),     box->text(),    box->icon(),
+                box->standardButtons(), box->isModal(), box->parent() != nullptr};
+        box->button(QMessageBox::Ok)->click();
+        return true;
+    };
+}
+
+} // namespace
+
+class UnpackingTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void successIsReportedOnce();
+    void connectionAfterTheCallMissesNothing();
+    void logNamesArchiveAndFolder();
+    void archiveMayHaveAnyName();
+    void failureIsShown();
+    void failureLeavesTheArchive();
+    void reasonIsAppended();
+    void secondCallStartsNothing_data();
+    void secondCallStartsNothing();
+    void folderThatCannotBeMade();
+    void finishedWithoutAJob();
+    void jobOutlivesItsEngine();
+    void engineMayGoWithTheReport();
+
+private:
+    QString archive(const QByteArray& bytes, const QString& name = QStringLiteral("p.zip")) const;
+    void start(const QString& file);
+
+    QScopedPointer<QTemporaryDir> m_folder;
+    QScopedPointer<EngineProbe> m_engine;
+    QScopedPointer<EngineEvents> m_events;
+    // Jobs live until the process ends; the tests take them away at their own end.
+    QList<QPointer<Unzipper>> m_jobs;
+    QByteArray m_goodArchive;
+};
+
+void UnpackingTest::init()
+{
+    m_folder.reset(new QTemporaryDir);
+    m_engine.reset(new EngineProbe);
+    m_events.reset(new EngineEvents(m_engine.data()));
+    m_goodArchive = ZipBuilder({file("a.txt", "one"), file("sub/b.txt", "two")}).bytes();
+}
+
+void UnpackingTest::cleanup()
+{
+    m_engine.reset();
+    for (const QPointer<Unzipper>& job : qAsConst(m_jobs)) {
+        delete job;
+    }
+    m_jobs.clear();
+}
+
+QString UnpackingTest::archive(const QByteArray& bytes, const QString& name) const
+{
+    QFile file(m_folder->filePath(name));
+    file.open(QIODevice::WriteOnly);
+    file.write(bytes);
+    return file.fileName();
+}
+
+void UnpackingTest::start(const QString& file)
+{
+    m_engine->unzipPackage(file);
+    if (!m_jobs.contains(m_engine->unzipper)) {
+        m_jobs.append(m_engine->unzipper);
+    }
+}
+
+void UnpackingTest::successIsReportedOnce()
+{
+    const QString file = archive(m_goodArchive);
+    start(file);
+    QSignalSpy job(m_engine->unzipper, SIGNAL(unzippingDone(QString)));
+    QCOMPARE(m_events->list, QStringList());
+    QTRY_COMPARE(m_events->list, QStringList("unzippingDone"));
+    QCOMPARE(m_events->fileName, job.value(0).value(0).toString());
+    QCOMPARE(contentOf(m_events->fileName + "/a.txt"), QByteArray("one"));
+    QCOMPARE(contentOf(m_events->fileName + "/sub/b.txt"), QByteArray("two"));
+    QCOMPARE(QFileInfo(m_events->fileName).path(), QDir::tempPath());
+    QVERIFY(!QFile::exists(file));
+    QVERIFY(m_engine->unzipper != nullptr);
+    QTest::qWait(20);
+    QCOMPARE(m_events->list.size(), 1);
+}
+
+void UnpackingTest::connectionAfterTheCallMissesNothing()
+{
+    start(archive(m_goodArchive));
+    const EngineEvents late(m_engine.data());
+    QTRY_COMPARE(late.list, QStringList("unzippingDone"));
+}
+
+void UnpackingTest::logNamesArchiveAndFolder()
+{
+    const LogCapture log;
+    const QString file = archive(m_goodArchive);
+    start(file);
+    QTRY_COMPARE(m_events->list.size(), 1);
+    QVERIFY(log.contains(1, "DownloadManager::installPackage() -> trying to extract " + file +
+                                " to " + m_events->fileName));
+    QCOMPARE(log.lines(3), QStringList());
+}
+
+void UnpackingTest::archiveMayHaveAnyName()
+{
+    const QString file =
+        archive(m_goodArchive, QString::fromUtf8("K\xc3\xa4mera \xe6\x97\xa5 1.mpkg.zip"));
+    start(file);
+    QTRY_COMPARE(m_events->list.size(), 1);
+    QCOMPARE(contentOf(m_events->fileName + "/a.txt"), QByteArray("one"));
+    QVERIFY(!QFile::exists(file));
+}
+
+void UnpackingTest::failureIsShown()
+{
+    SeenBox box;
+    const DialogDriver user(noteAndClose(box));
+    start(archive("this is no archive"));
+    QSignalSpy job(m_engine->unzipper, SIGNAL(unzippingFailed(QString)));
+    QTRY_COMPARE(user.handled(), 1);
+    QTRY_COMPARE(job.size(), 1);
+    const QString reason = job.value(0).value(0).toString();
+    QVERIFY(!reason.isEmpty());
+    QCOMPARE(box.text, "Downloaded file could not be unpacked:<br>" + reason);
+    QCOMPARE(box.title, QCoreApplication::applicationName());
+    QCOMPARE(box.icon, QMessageBox::Critical);
+    QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    QVERIFY(box.modal);
+    QVERIFY(!box.hasParent);
+}
+
+void UnpackingTest::failureLeavesTheArchive()
+{
+    SeenBox box;
+    const DialogDriver user(noteAndClose(box));
+    const QString file = archive(m_goodArchive.chopped(30));
+    start(file);
+    QTRY_COMPARE(user.handled(), 1);
+    QVERIFY(QFile::exists(file));
+    QVERIFY(m_engine->unzipper != nullptr);
+    QTest::qWait(20);
+    QCOMPARE(m_events->list, QStringList());
+}
+
+void UnpackingTest::reasonIsAppended()
+{
+    SeenBox box;
+    const DialogDriver user(noteAndClose(box));
+    m_engine->unzippingFailed("because");
+    QCOMPARE(user.handled(), 1);
+    QCOMPARE(box.text, QString("Downloaded file could not be unpacked:<br>because"));
+}
+
+void UnpackingTest::secondCallStartsNothing_data()
+{
+    QTest::addColumn<bool>("firstIsGood");
+    QTest::newRow("after a success") << true;
+    QTest::newRow("after a failure") << false;
+}
+
+// One object unpacks once in its life, however that ended.
+void UnpackingTest::secondCallStartsNothing()
+{
+    QFETCH(bool, firstIsGood);
+    SeenBox box;
+    const DialogDriver user(noteAndClose(box));
+    start(archive(firstIsGood ? m_goodArchive : QByteArray("no archive")));
+    QTRY_COMPARE(m_events->list.size() + user.handled(), 1);
+    Unzipper* const job = m_engine->unzipper;
+
+    const LogCapture log;
+    const QStringList before = temporaryFolders();
+    const QString second = archive(m_goodArchive, "second.zip");
+    start(second);
+    QCOMPARE(m_engine->unzipper, job);
+    QCOMPARE(log.lines(1).size(), 1);
+    QStringList added = temporaryFolders();
+    for (const QString& folder : before) {
+        added.removeOne(folder);
+    }
+    QCOMPARE(added.size(), 1);
+    QTest::qWait(50);
+    QCOMPARE(m_events->list.size() + user.handled(), 1);
+    QVERIFY(QFile::exists(second));
+    QVERIFY(QDir(QDir::temp().filePath(added.first())).isEmpty());
+}
+
+void UnpackingTest::folderThatCannotBeMade()
+{
+    const QByteArray former = qgetenv("TMPDIR");
+    qputenv("TMPDIR", QFile::encodeName(m_folder->filePath("none/at/all")));
+    const LogCapture log;
+    m_engine->unzipPackage(archive(m_goodArchive));
+    qputenv("TMPDIR", former);
+    QVERIFY(log.contains(
+        3, "DownloadManager::unzipPackage() -> Could not create folder to unzip into!"));
+    QCOMPARE(log.lines(1), QStringList());
+    QVERIFY(m_engine->unzipper == nullptr);
+    QTest::qWait(20);
+    QCOMPARE(m_events->list, QStringList());
+
+    // Nothing was started, so that the next call may.
+    start(archive(m_goodArchive));
+    QTRY_COMPARE(m_events->list, QStringList("unzippingDone"));
+}
+
+void UnpackingTest::finishedWithoutAJob()
+{
+    m_engine->unzippingFinished("/some/where");
+    QCOMPARE(m_events->list, QStringList("unzippingDone"));
+    QCOMPARE(m_events->fileName, QString("/some/where"));
+}
+
+void UnpackingTest::jobOutlivesItsEngine()
+{
+    start(archive(m_goodArchive));
+    QSignalSpy job(m_engine->unzipper, SIGNAL(unzippingDone(QString)));
+    const QPointer<Unzipper> unzipper(m_engine->unzipper);
+    m_engine.reset();
+    QVERIFY(!unzipper.isNull());
+    QTRY_COMPARE(job.size(), 1);
+    QVERIFY(!unzipper.isNull());
+}
+
+void UnpackingTest::engineMayGoWithTheReport()
+{
+    start(archive(m_goodArchive));
+    connect(m_engine.data(), SIGNAL(unzippingDone(QString)), m_engine.data(), SLOT(deleteLater()));
+    QPointer<EngineProbe> engine(m_engine.take());
+    QTRY_VERIFY(engine.isNull());
+    QCOMPARE(m_events->list, QStringList("unzippingDone"));
+}
+
+VX_TEST_MAIN(UnpackingTest)
+#include "tst_Unpacking.moc"
