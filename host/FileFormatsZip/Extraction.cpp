@@ -59,17 +59,16 @@ bool Extraction::unpack()
     writeFiles();
     // Links come after all files, so that no file can be written through one.
     makeLinks();
+    if (m_state.canceled) {
+        return false;
+    }
+    // From here it is too late to cancel: a folder may become shut to what would remove it again.
     setFolderAttributes();
-    return !m_state.canceled;
+    return true;
 }
 
 void Extraction::removeMade()
 {
-    for (const PlannedFolder& folder : m_plan.folders) {
-        if (folder.isMade) {
-            m_target.unlockFolder(folder.path);
-        }
-    }
     removeMadeOf(m_plan.links);
     removeMadeOf(m_plan.files);
     for (size_t i = m_plan.folders.size(); i-- > 1;) {
@@ -142,7 +141,7 @@ void Extraction::makeLinks()
 void Extraction::setFolderAttributes()
 {
     // Children first: a folder's time changes with its content, and its mode may shut it.
-    for (size_t i = m_plan.folders.size(); i-- > 1 && !m_state.canceled;) {
+    for (size_t i = m_plan.folders.size(); i-- > 1;) {
         const PlannedFolder& folder = m_plan.folders[i];
         if (!folder.isMade) {
             continue;

@@ -110,14 +110,6 @@ bool TargetFolder::makeFolder(const QByteArray& path)
     return false;
 }
 
-void TargetFolder::unlockFolder(const QByteArray& path)
-{
-    const FileDescriptor parent = openFolder(parentOf(path));
-    if (parent.isValid()) {
-        ::fchmodat(parent.get(), leafOf(path).constData(), 0700, 0);
-    }
-}
-
 void TargetFolder::removeFolder(const QByteArray& path)
 {
     const FileDescriptor parent = openFolder(parentOf(path));

@@ -42,9 +42,6 @@ public:
     /** Makes a folder. Gives false if there is one already. Throws IOException. */
     bool makeFolder(const QByteArray& path);
 
-    /** Gives the owner all rights on a folder again, so that its content can be removed. */
-    void unlockFolder(const QByteArray& path);
-
     /** Removes an empty folder. A folder that isn't empty stays. */
     void removeFolder(const QByteArray& path);
 

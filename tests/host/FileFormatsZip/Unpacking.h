@@ -25,7 +25,7 @@ QByteArray contentOf(const QString& path);
 /** Writes a file, with the folders above it. */
 void writeFile(const QString& path, const QByteArray& content);
 
-/** Runs @p program in @p folder and fails hard if it fails. */
+/** Runs @p program in @p folder, under a UTF-8 locale, and fails hard if it fails. */
 void runTool(const QString& folder, const QString& program, const QStringList& arguments);
 
 } // namespace vx::test

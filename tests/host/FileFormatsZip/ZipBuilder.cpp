@@ -94,8 +94,8 @@ QByteArray centralHeader(const ZipEntry& entry, qint64 offset)
 }
 
 /**
- * A deflate stream of zeros: one block with the fixed codes of RFC 1951, 3.2.6, that holds one
- * literal zero and then matches of 258 bytes at distance 1, in 13 bits each.
+ * A deflate stream of zeros: one block with the fixed codes of RFC 1951, 3.2.6, that holds two
+ * literals, "x" and zero, and then matches of 258 bytes at distance 1, in 13 bits each.
  */
 class ZerosStream
 {
@@ -106,7 +106,7 @@ public:
 
     QByteArray bytes() const
     {
-        constexpr int periodStart = 2;
+        constexpr int periodStart = 3;
         constexpr int period = 13;
         const qint64 length = (m_bodyEnd + endOfBlock + 7) / 8;
         QByteArray stream;
@@ -144,6 +144,7 @@ private:
     static constexpr int endOfBlock = 7;
     const QByteArray prefix = "1"         // the last block
                               "10"        // with fixed codes
+                              "10101000"  // a literal "x"
                               "00110000"; // a literal zero
     const QByteArray match = "11000101"   // length 258
                              "00000";     // distance 1
@@ -169,7 +170,7 @@ ZipEntry folder(const QByteArray& name, unsigned mode)
     return entry;
 }
 
-ZipEntry link(const QByteArray& name, const QByteArray& target)
+ZipEntry softLink(const QByteArray& name, const QByteArray& target)
 {
     ZipEntry entry = file(name, target);
     entry.mode = 0120777;
@@ -209,7 +210,7 @@ ZipEntry declareZip64(ZipEntry entry, quint64 size)
 ZipEntry fileOfZeros(const QByteArray& name, const Zeros& zeros)
 {
     ZipEntry entry = deflate(file(name, QByteArray()));
-    entry.packed = ZerosStream(static_cast<qint64>(zeros.count - 1) / 258).bytes();
+    entry.packed = ZerosStream(static_cast<qint64>(zeros.count - 2) / 258).bytes();
     entry.crc32 = zeros.crc32;
     return declareZip64(entry, zeros.count);
 }

@@ -42,7 +42,7 @@ ZipEntry file(const QByteArray& name, const QByteArray& content = "content", uns
 ZipEntry folder(const QByteArray& name, unsigned mode = 0755);
 
 /** A symbolic link. */
-ZipEntry link(const QByteArray& name, const QByteArray& target);
+ZipEntry softLink(const QByteArray& name, const QByteArray& target);
 
 /** Something of another type, a fifo or a device. */
 ZipEntry special(const QByteArray& name, unsigned type);
@@ -56,16 +56,16 @@ ZipEntry inUtf8(ZipEntry entry);
 /** The same entry, declaring @p size in the Zip64 form. */
 ZipEntry declareZip64(ZipEntry entry, quint64 size);
 
-/** A number of zeros, one more than a multiple of 8 * 258, and their checksum. */
+/** A content of one "x" and then zeros: 2 bytes and a multiple of 8 * 258. */
 struct Zeros
 {
     quint64 count;
     quint32 crc32;
 };
-constexpr Zeros beyond4GiB = {4308600001, 0xF09E3DB6};
-constexpr Zeros someSeconds = {412800001, 0xE2DB085A};
+constexpr Zeros beyond4GiB = {4308600002, 0x9E3DB5FB};
+constexpr Zeros someSeconds = {412800002, 0x909B11FE};
 
-/** A file of nothing but zeros, in one 160th of its size, built in no time. */
+/** A file of almost nothing but zeros, in one 160th of its size, built in no time. */
 ZipEntry fileOfZeros(const QByteArray& name, const Zeros& zeros);
 
 /**

@@ -120,7 +120,7 @@ void TestHostileArchives::addNames()
     row("up and back", file("a/../b"), "leads out of the folder");
     row("up at the end", folder("a/.."), "leads out of the folder");
     row("up behind a dot", file("./../evil"), "leads out of the folder");
-    row("up by a link", link("../evil", "before.txt"), "leads out of the folder");
+    row("up by a link", softLink("../evil", "before.txt"), "leads out of the folder");
     row("backslashes", file("..\\evil"), "'..\\evil' has a name with a backslash");
     row("backslashes and slashes", file("a/..\\..\\evil"), "has a name with a backslash");
     row("backslashes from DOS", madeOnDos(file("..\\..\\evil")), "leads out of the folder");
@@ -156,18 +156,18 @@ void TestHostileArchives::addClashes()
     row("twice, composed anew", {inUtf8(file("\xc3\xa4")), inUtf8(file("a\xcc\x88"))},
         "is contained twice");
     row("folder twice", {folder("a/"), folder("./a/")}, "'./a/' is contained twice");
-    row("file and link", {file("a"), file("b"), link("./a", "b")}, "'./a' is contained twice");
+    row("file and link", {file("a"), file("b"), softLink("./a", "b")}, "'./a' is contained twice");
     row("folder where a file is", {file("a"), file("a/b")},
         "'a/b' needs a folder where there is a file");
     row("file where a folder is", {file("a/b"), file("a")},
         "'a' is a file where a folder is needed");
-    row("file behind a link", {folder("b/"), link("a", "b"), file("a/evil")},
+    row("file behind a link", {folder("b/"), softLink("a", "b"), file("a/evil")},
         "'a/evil' lies behind a symbolic link");
-    row("file behind a later link", {folder("b/"), file("a/evil"), link("a", "b")},
+    row("file behind a later link", {folder("b/"), file("a/evil"), softLink("a", "b")},
         "'a' is a file where a folder is needed");
-    row("folder behind a link", {folder("b/"), link("a", "b"), folder("./a/")},
+    row("folder behind a link", {folder("b/"), softLink("a", "b"), folder("./a/")},
         "'./a/' lies behind a symbolic link");
-    row("link behind a link", {folder("b/"), link("a", "b"), link("a/c", "d")},
+    row("link behind a link", {folder("b/"), softLink("a", "b"), softLink("a/c", "d")},
         "'a/c' lies behind a symbolic link");
 }
 
@@ -176,29 +176,29 @@ void TestHostileArchives::addLinks()
     const auto row = [](const char* tag, const ZipBuilder& archive, const char* reason) {
         QTest::newRow(tag) << archive.bytes() << QString(reason);
     };
-    row("link out", {link("a", "../outside")},
+    row("link out", {softLink("a", "../outside")},
         "'a' is a symbolic link that leads out of the folder");
-    row("link out of a folder", {link("b/a", "../../outside")},
+    row("link out of a folder", {softLink("b/a", "../../outside")},
         "'b/a' is a symbolic link that leads out of the folder");
-    row("link out and in", {link("a", "../target/b"), file("b")}, "leads out of the folder");
-    row("absolute link", {link("a", "/etc/passwd")},
+    row("link out and in", {softLink("a", "../target/b"), file("b")}, "leads out of the folder");
+    row("absolute link", {softLink("a", "/etc/passwd")},
         "'a' is a symbolic link, and what it points at");
     row("link through a link out",
-        {link("d/up", ".."), link("x/y", "../d/up/../secret"), folder("d/e/")},
+        {softLink("d/up", ".."), softLink("x/y", "../d/up/../secret"), folder("d/e/")},
         "leads out of the folder");
-    row("link through a later link out", {link("a", "b/../outside"), link("b", ".")},
+    row("link through a later link out", {softLink("a", "b/../outside"), softLink("b", ".")},
         "'a' is a symbolic link that leads out of the folder");
-    row("circle", {link("a", "b"), link("b", "a")}, "leads in a circle");
-    row("circle of one", {link("a", "a")}, "leads in a circle");
-    row("circle in a folder", {link("a/b", "../a/b/c")}, "leads in a circle");
-    row("empty target", {link("a", "")}, "an empty name");
-    row("target with NUL", {link("a", QByteArray("b\0c", 3))}, "'a' is damaged");
-    row("target with a control character", {link("a", "b\033c")}, "control characters");
-    row("target with a backslash", {link("a", "..\\outside")}, "a backslash");
-    row("target with a drive", {link("a", "C:/outside")}, "a drive letter");
-    row("long target", {link("a", QByteArray("b/").repeated(3000))}, "too long");
-    row("huge target", {link("a", QByteArray("b/").repeated(40000))}, "damaged");
-    row("checksum of the target", {withChecksum(link("a", "b"), 1)}, "its checksum is wrong");
+    row("circle", {softLink("a", "b"), softLink("b", "a")}, "leads in a circle");
+    row("circle of one", {softLink("a", "a")}, "leads in a circle");
+    row("circle in a folder", {softLink("a/b", "../a/b/c")}, "leads in a circle");
+    row("empty target", {softLink("a", "")}, "an empty name");
+    row("target with NUL", {softLink("a", QByteArray("b\0c", 3))}, "'a' is damaged");
+    row("target with a control character", {softLink("a", "b\033c")}, "control characters");
+    row("target with a backslash", {softLink("a", "..\\outside")}, "a backslash");
+    row("target with a drive", {softLink("a", "C:/outside")}, "a drive letter");
+    row("long target", {softLink("a", QByteArray("b/").repeated(3000))}, "too long");
+    row("huge target", {softLink("a", QByteArray("b/").repeated(40000))}, "damaged");
+    row("checksum of the target", {withChecksum(softLink("a", "b"), 1)}, "its checksum is wrong");
 }
 
 void TestHostileArchives::addKinds()
@@ -216,7 +216,7 @@ void TestHostileArchives::addKinds()
     filled.content = "content";
     row("folder with content", {filled}, "'a/' is a folder, but has content");
     row("encrypted", {encrypted(file("a"))}, "'a' is encrypted");
-    row("encrypted link", {encrypted(link("a", "b"))}, "'a' is encrypted");
+    row("encrypted link", {encrypted(softLink("a", "b"))}, "'a' is encrypted");
     row("method Shrink", {ofMethod(file("a"), 1)}, "a method that is not supported");
     row("method bzip2", {ofMethod(file("a"), 12)}, "a method that is not supported");
     row("method LZMA", {ofMethod(file("a"), 14)}, "a method that is not supported");
@@ -295,9 +295,9 @@ void TestHostileArchives::targetWithLinks_data()
     row("folder behind it", {folder("way/evil/")}, "Cannot open the folder 'way'");
     row("folder in its place", {folder("way/")}, "Cannot open the folder 'way'");
     row("file in its place", {file("way")}, "Cannot create the file 'way'");
-    row("link in its place", {link("way", "a"), file("a")}, "Cannot create the link 'way'");
-    row("link through it", {link("a", "way/secret.txt")}, "leads through an existing one");
-    row("link to it", {link("a", "way")}, "leads through an existing one");
+    row("link in its place", {softLink("way", "a"), file("a")}, "Cannot create the link 'way'");
+    row("link through it", {softLink("a", "way/secret.txt")}, "leads through an existing one");
+    row("link to it", {softLink("a", "way")}, "leads through an existing one");
 }
 
 /** A link that somebody laid into the target folder before is no way out either. */
