@@ -15,7 +15,7 @@ class ReadingBudget
 {
 public:
     /** What the packages of one catalogue may take together, in characters. */
-    static constexpr qint64 maximum = 128 * 1024 * 1024;
+    static constexpr qint64 maximum = 64 * 1024 * 1024;
 
     /** What one word or URL in a record counts, whatever its length: the record's own overhead. */
     static constexpr qint64 entry = 16;

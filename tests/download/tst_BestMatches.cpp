@@ -1,0 +1,106 @@
+#include <QtTest>
+
+#include "tests/download/CatalogueProbe.h"
+#include "tests/support/TestMain.h"
+
+using namespace vx;
+using namespace vx::test;
+
+namespace {
+
+const QDateTime early(QDate(2012, 6, 1), QTime(12, 0));
+const QDateTime late = early.addDays(1);
+
+PackageInfo package(const QString& name, const QString& release,
+                    const QStringSet& platforms = {"p"}, const QString& status = "S",
+                    const QDateTime& date = early)
+{
+    return PackageInfo("type", name, release, status, date, platforms);
+}
+
+/** The names of the winners, sorted: their order has no meaning. */
+QStringList winners(const PackageInfoList& all, const PackageInfo& filter = PackageInfo())
+{
+    const CatalogueProbe probe;
+    QStringList names;
+    const PackageInfoList best = probe.findBestMatches(all, filter);
+    for (const PackageInfo& winner : best) {
+        names.append(winner.name);
+    }
+    names.sort();
+    return names;
+}
+
+} // namespace
+
+class tst_BestMatches : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void winner_data();
+    void winner();
+    void filterHasItsSay();
+    void filterTypeNameAndPlatformPlayNoPart();
+    void givesCopies();
+};
+
+void tst_BestMatches::winner_data()
+{
+    QTest::addColumn<PackageInfoList>("all");
+    QTest::addColumn<QStringList>("names");
+
+    const auto add = [](const char* row, const PackageInfoList& all, const QStringList& names) {
+        QTest::newRow(row) << all << names;
+    };
+    add("none", {}, {});
+    add("higher release", {package("a", "1"), package("b", "2"), package("c", "1")}, {"b"});
+    add("release as text", {package("a", "1.10"), package("b", "1.9")}, {"b"});
+    add("lower release, status below", {package("a", "2"), package("b", "1", {"p"}, "B")}, {"b"});
+    add("lower release, later", {package("a", "2"), package("b", "1", {"p"}, "S", late)}, {"b"});
+    add("the order decides", {package("b", "1", {"p"}, "S", late), package("a", "2")}, {"a"});
+    add("equal: the first stays", {package("a", "1"), package("b", "1")}, {"a"});
+    add("each platform", {package("a", "1", {"p"}), package("b", "1", {"q"})}, {"a", "b"});
+    add("several platforms, once", {package("a", "1", {"p", "q"})}, {"a"});
+    add("one platform lost", {package("a", "1", {"p", "q"}), package("b", "2", {"q"})}, {"a", "b"});
+    add("all platforms lost",
+        {package("a", "1", {"p", "q"}), package("b", "2", {"q"}), package("c", "2", {"p"})},
+        {"b", "c"});
+    add("no platform", {package("a", "1", {})}, {});
+    PackageInfo otherType = package("b", "1");
+    otherType.type = "other";
+    add("each type", {package("a", "2"), otherType}, {"a", "b"});
+}
+
+void tst_BestMatches::winner()
+{
+    QFETCH(PackageInfoList, all);
+    QFETCH(QStringList, names);
+    QCOMPARE(winners(all), names);
+}
+
+void tst_BestMatches::filterHasItsSay()
+{
+    const PackageInfoList all = {package("a", "1"), package("b", "2")};
+    QCOMPARE(winners(all, PackageInfo("", "", "1")), QStringList({"b"}));
+    QCOMPARE(winners(all, PackageInfo("", "", "2")), QStringList());
+    QCOMPARE(winners(all, PackageInfo("", "", "", "B")), QStringList());
+}
+
+void tst_BestMatches::filterTypeNameAndPlatformPlayNoPart()
+{
+    const PackageInfo filter("x", "x", "", "", QDateTime(), {"x"});
+    QCOMPARE(winners({package("a", "1")}, filter), QStringList({"a"}));
+}
+
+void tst_BestMatches::givesCopies()
+{
+    const CatalogueProbe probe;
+    PackageInfoList all = {package("a", "1")};
+    const PackageInfoList best = probe.findBestMatches(all, PackageInfo());
+    all[0].name = "changed";
+    QCOMPARE(best.first().name, QString("a"));
+}
+
+VX_TEST_MAIN(tst_BestMatches)
+#include "tst_BestMatches.moc"

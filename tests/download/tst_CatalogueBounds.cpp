@@ -1,0 +1,141 @@
+#include <QtTest>
+
+#include "download/ReadingBudget.h"
+#include "tests/download/CatalogueProbe.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/TestMain.h"
+
+using namespace vx;
+using namespace vx::test;
+
+namespace {
+
+constexpr int million = 1000 * 1000;
+
+/** What of @p length characters it takes, read once for each package, to exhaust the budget. */
+int tooManyOf(int length)
+{
+    return static_cast<int>(ReadingBudget::maximum / length) + 1;
+}
+
+QByteArray catalogue(const QByteArray& fields, int packages, const QByteArray& package)
+{
+    return "<softwareList>" + fields + package.repeated(packages) + "</softwareList>";
+}
+
+QByteArray words(int count)
+{
+    QByteArray list;
+    for (int i = 0; i < count; ++i) {
+        list += QByteArray::number(i) + ' ';
+    }
+    return list;
+}
+
+} // namespace
+
+class tst_CatalogueBounds : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void refusesWhatInheritsTooMuch_data();
+    void refusesWhatInheritsTooMuch();
+    void sharesSingleValues();
+    void sharesWordsOfSets();
+    void readsManyUrlsWithoutLanguage();
+    void readsManyFieldsBesideManyPackages();
+    void readsDeepNesting();
+};
+
+void tst_CatalogueBounds::refusesWhatInheritsTooMuch_data()
+{
+    QTest::addColumn<QByteArray>("fields");
+    QTest::addColumn<QByteArray>("package");
+    QTest::addColumn<int>("tooMany");
+
+    const QByteArray longText(million, '7');
+    const auto field = [&longText](const QByteArray& tag) {
+        return '<' + tag + '>' + longText + "</" + tag + '>';
+    };
+    QTest::newRow("sizes") << field("file-size") << QByteArray("<package/>") << tooManyOf(million);
+    QTest::newRow("languages of notes")
+        << field("language") << QByteArray("<package><release-notes/></package>")
+        << tooManyOf(million);
+    QTest::newRow("notes") << QByteArray("<readme/>").repeated(10000) << QByteArray("<package/>")
+                           << tooManyOf(10000 * int(ReadingBudget::entry));
+    QTest::newRow("words") << "<platform>" + words(20000) + "</platform>"
+                           << QByteArray("<package platform='own'/>")
+                           << tooManyOf(20000 * int(ReadingBudget::entry));
+}
+
+void tst_CatalogueBounds::refusesWhatInheritsTooMuch()
+{
+    QFETCH(QByteArray, fields);
+    QFETCH(QByteArray, package);
+    QFETCH(int, tooMany);
+    LogCapture log;
+    QCOMPARE(parseText(catalogue(fields, 3, package)).size(), 3);
+    QCOMPARE(log.count(2, "XML parser error"), 0);
+    QVERIFY(parseText(catalogue(fields, tooMany, package)).isEmpty());
+    QCOMPARE(log.count(2, "XML parser error"), 1);
+}
+
+void tst_CatalogueBounds::sharesSingleValues()
+{
+    const QByteArray comment = "<comment>" + QByteArray(million, 'c') + "</comment>";
+    const PackageInfoList packages = parseText(catalogue(comment, 5000, "<package url='a.zip'/>"));
+    QCOMPARE(packages.size(), 5000);
+    QCOMPARE(packages.last().comment.size(), million);
+    // Copies of it would take ten gigabytes.
+    QCOMPARE(packages.last().comment.constData(), packages.first().comment.constData());
+}
+
+void tst_CatalogueBounds::sharesWordsOfSets()
+{
+    const QByteArray platforms = "<platform>" + words(20000) + "</platform>";
+    const PackageInfoList packages =
+        parseText(catalogue(platforms, 5000, "<package><file url='a.zip'/></package>"));
+    QCOMPARE(packages.size(), 5000);
+    QCOMPARE(packages.first().platforms.size(), 20000);
+    const QStringSet::const_iterator first = packages.first().platforms.constFind("1");
+    const QStringSet::const_iterator last = packages.last().platforms.constFind("1");
+    QCOMPARE(&*last, &*first);
+}
+
+void tst_CatalogueBounds::readsManyUrlsWithoutLanguage()
+{
+    const PackageInfoList packages =
+        parseText("<softwareList><package>" + QByteArray("<readme/>").repeated(50000) +
+                  "<language>de</language><url>http://u</url></package></softwareList>");
+    QCOMPARE(packages.first().readme.size(), 50000);
+    QCOMPARE(packages.first().readme.lastKey(), QString("de"));
+}
+
+void tst_CatalogueBounds::readsManyFieldsBesideManyPackages()
+{
+    const QByteArray fields = QByteArray("<x/><name>n</name>").repeated(20000);
+    const PackageInfoList packages = parseText(catalogue(fields, 20000, "<package url='a.zip'/>"));
+    QCOMPARE(packages.size(), 20000);
+    QCOMPARE(packages.last().name, QString("n"));
+}
+
+void tst_CatalogueBounds::readsDeepNesting()
+{
+    constexpr int depth = 200;
+    const QByteArray set = "<package-set><package url='a.zip'/>";
+    const PackageInfoList packages =
+        parseText("<softwareList type='t'>" + set.repeated(depth) +
+                  QByteArray("</package-set>").repeated(depth) + "</softwareList>");
+    QCOMPARE(packages.size(), depth);
+    QCOMPARE(packages.last().type, QString("t"));
+    // Deeper than any document may be: refused, and not run into the end of the stack.
+    LogCapture log;
+    QVERIFY(parseText("<softwareList>" + set.repeated(10000) +
+                      QByteArray("</package-set>").repeated(10000) + "</softwareList>")
+                .isEmpty());
+    QCOMPARE(log.count(2, "XML parser error"), 1);
+}
+
+VX_TEST_MAIN(tst_CatalogueBounds)
+#include "tst_CatalogueBounds.moc"
