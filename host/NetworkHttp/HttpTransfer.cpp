@@ -60,7 +60,6 @@ QNetworkRequest networkRequest(const QUrl& url, const QString& userAgent)
                          QNetworkRequest::ManualRedirectPolicy);
     request.setAttribute(QNetworkRequest::CacheLoadControlAttribute,
                          QNetworkRequest::AlwaysNetwork);
-    request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
     request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
     return request;
 }
@@ -238,13 +237,10 @@ void HttpTransfer::dropReply()
     }
 }
 
+// Asked again, since the password was wrong, the network stack gives up on the same answer.
 void HttpTransfer::answerProxy(const QNetworkProxy& /*proxy*/, QAuthenticator* authenticator)
 {
-    // Asked again, the password was wrong: giving it once more would go on forever.
-    if (!m_hasAnsweredProxy) {
-        m_hasAnsweredProxy = true;
-        logInToProxy(m_request->m_plan->host, authenticator);
-    }
+    logInToProxy(m_request->m_plan->host, authenticator);
 }
 
 void HttpTransfer::answerServer(QNetworkReply* reply, QAuthenticator* authenticator)
@@ -253,8 +249,7 @@ void HttpTransfer::answerServer(QNetworkReply* reply, QAuthenticator* authentica
     const HttpAccess& server = m_request->m_plan->host.server;
     HttpAccess asking;
     asking.setUrl(reply->url());
-    if (!m_hasAnsweredServer && !server.user.isEmpty() && asking.hasSameAddress(server)) {
-        m_hasAnsweredServer = true;
+    if (!server.user.isEmpty() && asking.hasSameAddress(server)) {
         authenticator->setUser(server.user);
         authenticator->setPassword(server.password);
     }

@@ -80,8 +80,6 @@ private:
     qint64 m_total = 0;
     bool m_hasEnded = false;
     bool m_isDelivering = false;
-    bool m_hasAnsweredProxy = false;
-    bool m_hasAnsweredServer = false;
 };
 
 } // namespace vx

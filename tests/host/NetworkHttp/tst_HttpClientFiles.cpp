@@ -1,6 +1,8 @@
+#include <QDeadlineTimer>
 #include <QEventLoop>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QThread>
 #include <QtTest>
 
 #include <memory>
@@ -49,6 +51,7 @@ private slots:
     void downloadsAFile();
     void downloadsWithoutCompression();
     void needsNoMemoryForALargeFile();
+    void holdsTheServerBackWhileTheApplicationIsBusy();
     void findsNoMissingFile();
 
 private:
@@ -135,6 +138,27 @@ void TestHttpClientFiles::needsNoMemoryForALargeFile()
     QCOMPARE(file.size(), size);
     QVERIFY(most > 0);
     QVERIFY2(most - idle < 16 << 20, qPrintable(QString("%1 bytes more").arg(most - idle)));
+}
+
+void TestHttpClientFiles::holdsTheServerBackWhileTheApplicationIsBusy()
+{
+    QVERIFY(m_nginx.addFile("huge", 200 << 20, "mark"));
+    QFile file(m_folder.filePath("file"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    qint64 most = -1;
+    connect(m_client.get(), &HttpClient::downloadProgress, &file, [&most] {
+        if (most >= 0) {
+            return;
+        }
+        // Loopback brings the whole file in this time, were it let in.
+        const qint64 before = memoryInUse();
+        for (QDeadlineTimer busy(500); !busy.hasExpired(); QThread::msleep(10)) {
+            most = qMax(most, memoryInUse() - before);
+        }
+    });
+    QCOMPARE(download("huge", &file)->statusCode, 200);
+    QVERIFY(most >= 0);
+    QVERIFY2(most < 16 << 20, qPrintable(QString("%1 bytes more").arg(most)));
 }
 
 void TestHttpClientFiles::findsNoMissingFile()
