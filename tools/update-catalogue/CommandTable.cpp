@@ -4,8 +4,8 @@ namespace vx {
 
 const QList<Command>& allCommands()
 {
-    static const QList<Command> commands{lintCommand, explainCommand, matrixCommand,
-                                         diffCommand, serveCommand,   previewCommand};
+    static const QList<Command> commands{lintCommand,  explainCommand, matrixCommand, diffCommand,
+                                         serveCommand, previewCommand, reportCommand};
     return commands;
 }
 

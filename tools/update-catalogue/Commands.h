@@ -16,5 +16,7 @@ extern const Command diffCommand;
 extern const Command serveCommand;
 /** preview/PreviewCommand.cpp */
 extern const Command previewCommand;
+/** report/ReportCommand.cpp */
+extern const Command reportCommand;
 
 } // namespace vx

@@ -1,11 +1,9 @@
 #include <QCommandLineParser>
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QRegularExpression>
-
-#include <algorithm>
 
 #include "tools/update-catalogue/Commands.h"
+#include "tools/update-catalogue/lint/LintOptions.h"
 #include "tools/update-catalogue/lint/Linter.h"
 
 namespace vx {
@@ -15,45 +13,8 @@ namespace {
 void declare(QCommandLineParser& parser)
 {
     parser.addPositionalArgument("catalogue", "A file, a URL, or - for standard input.");
-    parser.addOption({"rule", "Apply only this rule; may be repeated.", "NAME"});
-    parser.addOption({"no-rule", "Leave this rule out; may be repeated.", "NAME"});
     parser.addOption({"list", "List the rules."});
-    parser.addOption({"files", "Compare sizes with the files in this folder.", "DIR"});
-    parser.addOption({"check-urls", "Compare sizes with what the servers say."});
-    parser.addOption({"platforms", "The application's platforms.", "WORDS", "Mac32 Mac64 MacPP"});
-    parser.addOption({"types", "The file types that the application lists.", "WORDS", "mpkg dmg"});
-    parser.addOption({"installable", "The file types that it installs.", "WORDS", "mpkg"});
-}
-
-QStringList words(const QString& text)
-{
-    return text.split(QRegularExpression("[\\s,;]+"), Qt::SkipEmptyParts);
-}
-
-QStringList ruleNames(const QCommandLineParser& parser, const QString& option)
-{
-    const QStringList names = parser.values(option);
-    for (const QString& name : names) {
-        const bool known = std::any_of(allRules().begin(), allRules().end(),
-                                       [&name](const Rule& rule) { return rule.name == name; });
-        if (!known) {
-            throw CommandFailure(ExitUsage, QString("no rule \"%1\". Try --list").arg(name));
-        }
-    }
-    return names;
-}
-
-LintOptions optionsFrom(const QCommandLineParser& parser)
-{
-    LintOptions options;
-    options.rules = ruleNames(parser, "rule");
-    options.withoutRules = ruleNames(parser, "no-rule");
-    options.files = parser.value("files");
-    options.checkUrls = parser.isSet("check-urls");
-    options.platforms = words(parser.value("platforms"));
-    options.listedTypes = words(parser.value("types"));
-    options.installableTypes = words(parser.value("installable"));
-    return options;
+    declareLint(parser);
 }
 
 void printRules(Terminal& terminal)
@@ -123,7 +84,7 @@ ExitCode run(const QCommandLineParser& parser, Terminal& terminal)
         throw CommandFailure(ExitUsage, "lint takes one catalogue");
     }
     const CatalogueSource source = readCatalogue(parser.positionalArguments().first());
-    const FindingList findings = lintCatalogue(source, optionsFrom(parser));
+    const FindingList findings = lintCatalogue(source, lintOptionsFrom(parser));
     if (parser.isSet("json")) {
         terminal.json(toJson(source.name, findings));
     } else {
