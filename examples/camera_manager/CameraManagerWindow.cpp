@@ -13,7 +13,7 @@ namespace {
 QTableWidget* createCameraTable(const vx::SoftUpCurrentCameraVersions& cameras)
 {
     auto* table = new QTableWidget(cameras.size(), 2);
-    table->setHorizontalHeaderLabels({QStringLiteral("Camera"), QStringLiteral("Firmware")});
+    table->setHorizontalHeaderLabels({"Camera", "Firmware"});
     table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     table->verticalHeader()->hide();
     table->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -32,7 +32,7 @@ QTableWidget* createCameraTable(const vx::SoftUpCurrentCameraVersions& cameras)
 CameraManagerWindow::CameraManagerWindow(const QString& version,
                                          const vx::SoftUpCurrentCameraVersions& cameras)
 {
-    setWindowTitle(QStringLiteral("Camera Manager"));
+    setWindowTitle("Camera Manager");
     addMenus();
     auto* content = new QWidget;
     auto* layout = new QVBoxLayout(content);
@@ -40,17 +40,17 @@ CameraManagerWindow::CameraManagerWindow(const QString& version,
     layout->addWidget(heading);
     layout->addWidget(createCameraTable(cameras));
     setCentralWidget(content);
-    showMessage(QStringLiteral("Help > Check for Updates... looks for something newer."));
+    showMessage("Help > Check for Updates... looks for something newer.");
     resize(440, 260);
 }
 
 void CameraManagerWindow::addMenus()
 {
-    QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
-    connect(file->addAction(QStringLiteral("&Quit")), SIGNAL(triggered()), SLOT(close()));
-    QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
-    QAction* check = help->addAction(QStringLiteral("Check for &Updates..."));
-    check->setObjectName(QStringLiteral("checkForUpdatesAction"));
+    QMenu* file = menuBar()->addMenu("&File");
+    connect(file->addAction("&Quit"), SIGNAL(triggered()), SLOT(close()));
+    QMenu* help = menuBar()->addMenu("&Help");
+    QAction* check = help->addAction("Check for &Updates...");
+    check->setObjectName("checkForUpdatesAction");
     connect(check, SIGNAL(triggered()), SIGNAL(checkForUpdates()));
 }
 

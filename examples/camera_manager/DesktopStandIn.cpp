@@ -5,12 +5,12 @@
 
 DesktopStandIn::DesktopStandIn()
 {
-    QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "open");
+    QDesktopServices::setUrlHandler("file", this, "open");
 }
 
 DesktopStandIn::~DesktopStandIn()
 {
-    QDesktopServices::unsetUrlHandler(QStringLiteral("file"));
+    QDesktopServices::unsetUrlHandler("file");
 }
 
 void DesktopStandIn::open(const QUrl& url)

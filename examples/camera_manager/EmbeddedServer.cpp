@@ -27,12 +27,12 @@ bool EmbeddedServer::start()
     if (!copyPackages()) {
         m_problem = QStringLiteral("The sample packages are missing: %1").arg(m_packages);
     } else if (!m_server.start()) {
-        m_problem = QStringLiteral("The update server cannot open a port.");
+        m_problem = "The update server cannot open a port.";
     } else if (!writeCatalogue()) {
         m_problem = QStringLiteral("Cannot write to %1").arg(m_folder.path());
     } else {
         // Slow, because the progress dialog does not appear for less than four seconds.
-        play(QStringLiteral("slow"));
+        play("slow");
     }
     return m_problem.isEmpty();
 }
@@ -50,22 +50,22 @@ bool EmbeddedServer::copyPackages()
 
 bool EmbeddedServer::writeCatalogue()
 {
-    QByteArray text = readFile(QStringLiteral(":/camera_manager/catalogue.xml"));
+    QByteArray text = readFile(":/camera_manager/catalogue.xml");
     const QUrl address = m_server.url(QString());
     text.replace("@SERVER@", address.toEncoded());
     for (const QFileInfo& package : QDir(m_folder.path()).entryInfoList(QDir::Files)) {
         text.replace("@SIZE " + package.fileName().toUtf8() + '@',
                      QByteArray::number(package.size()));
     }
-    QFile file(m_folder.filePath(QStringLiteral("catalogue.xml")));
+    QFile file(m_folder.filePath("catalogue.xml"));
     return file.open(QIODevice::WriteOnly) && file.write(text) == text.size() &&
-           QFile::copy(QStringLiteral(":/camera_manager/release-notes.html"),
-                       m_folder.filePath(QStringLiteral("release-notes.html")));
+           QFile::copy(":/camera_manager/release-notes.html",
+                       m_folder.filePath("release-notes.html"));
 }
 
 QString EmbeddedServer::catalogueUrl() const
 {
-    return m_server.url(QStringLiteral("/catalogue.xml")).toString();
+    return m_server.url("/catalogue.xml").toString();
 }
 
 void EmbeddedServer::becomeProxy() const

@@ -23,8 +23,7 @@ void installLanguage(const QString& language)
     const QString system = QLocale::system().name().section(QLatin1Char('_'), 0, 0);
     const QString chosen = language.isEmpty() ? system : language;
     // The library carries its catalogues and leaves it to the application to install one.
-    install(QStringLiteral("SoftwareUpdateClient_%1.qm").arg(chosen),
-            QStringLiteral(":/Translations"));
+    install(QStringLiteral("SoftwareUpdateClient_%1.qm").arg(chosen), ":/Translations");
     install(QStringLiteral("qtbase_%1").arg(chosen),
             QLibraryInfo::location(QLibraryInfo::TranslationsPath));
 }

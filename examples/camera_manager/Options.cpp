@@ -6,27 +6,22 @@ namespace {
 
 void describe(QCommandLineParser& parser)
 {
-    parser.setApplicationDescription(QStringLiteral(
+    parser.setApplicationDescription(
         "A small application that keeps itself and its cameras up to date. It brings an update\n"
-        "server of its own unless --server names another."));
+        "server of its own unless --server names another.");
     parser.addOptions({
-        {QStringLiteral("tour"),
-         QStringLiteral("Walk through the whole flow without a user and save pictures of it. This "
-                        "is what happens without a display, too.")},
-        {QStringLiteral("out"), QStringLiteral("Folder for the tour's pictures, \"build/demo\"."),
-         QStringLiteral("folder"), QStringLiteral("build/demo")},
-        {QStringLiteral("server"), QStringLiteral("Address of the catalogue."),
-         QStringLiteral("url")},
-        {QStringLiteral("version"),
-         QStringLiteral("Version of the application, \"5.2.1\". The tour needs one below 5.3."),
-         QStringLiteral("version"), QStringLiteral("5.2.1")},
-        {QStringLiteral("camera"),
-         QStringLiteral("A camera with its firmware; may be given several times. \"Dome-24=4.1.9\" "
-                        "and \"Mini-12=3.5\"."),
-         QStringLiteral("name=version")},
-        {QStringLiteral("language"), QStringLiteral("\"en\", \"de\" or \"fr\"."),
-         QStringLiteral("language")},
-        {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help.")},
+        {"tour", "Walk through the whole flow without a user and save pictures of it. This "
+                 "is what happens without a display, too."},
+        {"out", "Folder for the tour's pictures, \"build/demo\".", "folder", "build/demo"},
+        {"server", "Address of the catalogue.", "url"},
+        {"version", "Version of the application, \"5.2.1\". The tour needs one below 5.3.",
+         "version", "5.2.1"},
+        {"camera",
+         "A camera with its firmware; may be given several times. \"Dome-24=4.1.9\" "
+         "and \"Mini-12=3.5\".",
+         "name=version"},
+        {"language", "\"en\", \"de\" or \"fr\".", "language"},
+        {{"h", "help"}, "Show this help."},
     });
 }
 
@@ -57,8 +52,7 @@ void readCameras(const QStringList& texts, Options& options)
 
 void readLanguage(const QString& language, Options& options)
 {
-    const QStringList known = {QString(), QStringLiteral("en"), QStringLiteral("de"),
-                               QStringLiteral("fr")};
+    const QStringList known = {QString(), "en", "de", "fr"};
     options.language = language;
     if (!known.contains(language)) {
         options.problem =
@@ -79,14 +73,14 @@ Options readOptions(const QStringList& arguments)
         options.problem =
             QStringLiteral("Not understood: %1").arg(parser.positionalArguments().constFirst());
     }
-    options.help = parser.isSet(QStringLiteral("help"));
-    options.tour = parser.isSet(QStringLiteral("tour"));
-    options.outputFolder = parser.value(QStringLiteral("out"));
-    options.server = parser.value(QStringLiteral("server"));
-    options.version = parser.value(QStringLiteral("version"));
-    readLanguage(parser.value(QStringLiteral("language")), options);
-    const QStringList cameras = parser.values(QStringLiteral("camera"));
-    const QStringList samples = {QStringLiteral("Dome-24=4.1.9"), QStringLiteral("Mini-12=3.5")};
+    options.help = parser.isSet("help");
+    options.tour = parser.isSet("tour");
+    options.outputFolder = parser.value("out");
+    options.server = parser.value("server");
+    options.version = parser.value("version");
+    readLanguage(parser.value("language"), options);
+    const QStringList cameras = parser.values("camera");
+    const QStringList samples = {"Dome-24=4.1.9", "Mini-12=3.5"};
     readCameras(cameras.isEmpty() ? samples : cameras, options);
     return options;
 }

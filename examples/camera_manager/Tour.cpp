@@ -95,13 +95,13 @@ bool Tour::report(const TourStep& step, QWidget* widget)
 {
     print(QStringLiteral("[%1/%2] %3").arg(m_current, 2).arg(m_steps.size()).arg(step.m_what));
     if (step.m_details) {
-        print(QStringLiteral("        ") + step.m_details());
+        print("        " + step.m_details());
     }
     if (step.m_picture.isEmpty()) {
         return true;
     }
     const QString file = save(step, widget);
-    print(QStringLiteral("        ") + file);
+    print("        " + file);
     return !file.isEmpty();
 }
 

@@ -62,8 +62,10 @@ void acceptMessageBox()
 
 void cancelSettings()
 {
-    const auto* buttons = settingsDialog()->findChild<QDialogButtonBox*>();
-    clickButton(buttons->button(QDialogButtonBox::Cancel));
+    if (const QWidget* dialog = settingsDialog()) {
+        const auto* buttons = dialog->findChild<QDialogButtonBox*>();
+        clickButton(buttons->button(QDialogButtonBox::Cancel));
+    }
 }
 
 QWidget* dialogWithAllRows()
@@ -102,9 +104,8 @@ std::function<void()> check(EmbeddedServer& server, const char* scenario)
 QWidget* windowAfterOpening(const Stage& stage, int count)
 {
     const QStringList paths = stage.desktop.paths();
-    const bool complete =
-        paths.size() == count &&
-        QFileInfo(QDir(paths.constLast()), QStringLiteral("Contents/Archive.bin")).size() > 0;
+    const bool complete = paths.size() == count &&
+                          QFileInfo(QDir(paths.constLast()), "Contents/Archive.bin").size() > 0;
     return complete && updateAvailableDialog() == nullptr ? &stage.window : nullptr;
 }
 
@@ -121,39 +122,36 @@ void pressInstall()
 
 void addSettingsSteps(Tour& tour, const Stage& stage)
 {
-    tour.expect(QStringLiteral("The application shows its version and its cameras"),
+    tour.expect("The application shows its version and its cameras",
                 [stage] { return stage.window.isVisible() ? &stage.window : nullptr; })
-        .picture(QStringLiteral("window"))
-        .then([stage] {
-            stage.window.findChild<QAction*>(QStringLiteral("checkForUpdatesAction"))->trigger();
-        });
-    tour.expect(QStringLiteral("Check for Updates... opens the settings dialog"), settingsDialog)
-        .picture(QStringLiteral("settings"))
+        .picture("window")
+        .then([stage] { stage.window.findChild<QAction*>("checkForUpdatesAction")->trigger(); });
+    tour.expect("Check for Updates... opens the settings dialog", settingsDialog)
+        .picture("settings")
         .then(check(stage.server, "up-to-date"));
 }
 
 void addCheckSteps(Tour& tour, const Stage& stage)
 {
-    const QString upToDate = QStringLiteral("Congratulations! Your product is up-to-date!");
-    const QString nothing = QStringLiteral("No update available!");
-    tour.expect(QStringLiteral("A catalogue with nothing newer: ") + upToDate,
+    const QString upToDate = "Congratulations! Your product is up-to-date!";
+    const QString nothing = "No update available!";
+    tour.expect("A catalogue with nothing newer: " + upToDate,
                 [upToDate] { return settingsDialogSaying(upToDate); })
-        .picture(QStringLiteral("up-to-date"))
+        .picture("up-to-date")
         .then(check(stage.server, "empty"));
-    tour.expect(QStringLiteral("An empty catalogue: ") + nothing,
+    tour.expect("An empty catalogue: " + nothing,
                 [nothing] { return settingsDialogSaying(nothing); })
-        .picture(QStringLiteral("no-update"))
+        .picture("no-update")
         .then(check(stage.server, "slow"));
-    tour.expect(QStringLiteral("A catalogue with newer packages opens the update-available dialog"),
+    tour.expect("A catalogue with newer packages opens the update-available dialog",
                 dialogWithOwnRows)
-        .details([] { return visibleRows(packageTable()).join(QStringLiteral("\n        ")); })
+        .details([] { return visibleRows(packageTable()).join("\n        "); })
         .then([] {
             updateAvailableDialog()->resize(roomyDialog);
             clickButton(updateAvailableDialog(), "showAllLanguagesCheckBox");
         });
-    tour.expect(QStringLiteral("Show all languages adds the firmware in other languages"),
-                dialogWithAllRows)
-        .picture(QStringLiteral("all-languages"))
+    tour.expect("Show all languages adds the firmware in other languages", dialogWithAllRows)
+        .picture("all-languages")
         .then([] {
             clickButton(updateAvailableDialog(), "showAllLanguagesCheckBox");
             clickRow(packageTable(), 0);
@@ -162,62 +160,57 @@ void addCheckSteps(Tour& tour, const Stage& stage)
 
 void addInstallationSteps(Tour& tour, const Stage& stage)
 {
-    tour.expect(QStringLiteral("Selecting the application shows its comment"),
-                [] { return dialogWithComment(QStringLiteral("timeline of all cameras")); })
-        .picture(QStringLiteral("update-available"))
+    tour.expect("Selecting the application shows its comment",
+                [] { return dialogWithComment("timeline of all cameras"); })
+        .picture("update-available")
         .then(pressInstall);
-    tour.expect(QStringLiteral("Install Package asks first"),
-                [] { return messageBoxTitled(QStringLiteral("Install Package")); })
-        .picture(QStringLiteral("confirmation"))
+    tour.expect("Install Package asks first", [] { return messageBoxTitled("Install Package"); })
+        .picture("confirmation")
         .details([] { return messageBox()->text(); })
         .then(acceptMessageBox);
-    tour.expect(QStringLiteral("Proceed downloads under a progress dialog"), openProgressDialog)
-        .picture(QStringLiteral("progress"));
-    tour.expect(QStringLiteral("The package is unpacked and its installer bundle opened"),
+    tour.expect("Proceed downloads under a progress dialog", openProgressDialog)
+        .picture("progress");
+    tour.expect("The package is unpacked and its installer bundle opened",
                 [stage] { return windowAfterOpening(stage, 1); })
-        .picture(QStringLiteral("installed"))
+        .picture("installed")
         .details([stage] { return stage.desktop.paths().constLast(); })
         .then(check(stage.server, "short"));
 }
 
 void addFailureSteps(Tour& tour)
 {
-    tour.expect(QStringLiteral("Another check, with a server that breaks downloads off"),
-                dialogWithOwnRows)
+    tour.expect("Another check, with a server that breaks downloads off", dialogWithOwnRows)
         .then([] { clickRow(packageTable(), 0); });
-    tour.expect(QStringLiteral("The application is selected again"),
-                [] { return dialogWithComment(QStringLiteral("CameraManager 5.3")); })
+    tour.expect("The application is selected again",
+                [] { return dialogWithComment("CameraManager 5.3"); })
         .then(pressInstall);
-    tour.expect(QStringLiteral("Install Package asks again"),
-                [] { return messageBoxTitled(QStringLiteral("Install Package")); })
+    tour.expect("Install Package asks again", [] { return messageBoxTitled("Install Package"); })
         .then(acceptMessageBox);
-    tour.expect(QStringLiteral("The broken download is reported"),
-                [] { return messageBoxTitled(QStringLiteral("Download Error")); })
-        .picture(QStringLiteral("broken-download"))
+    tour.expect("The broken download is reported",
+                [] { return messageBoxTitled("Download Error"); })
+        .picture("broken-download")
         .details([] { return messageBox()->text(); })
         .then(acceptMessageBox);
 }
 
 void addRecoverySteps(Tour& tour, const Stage& stage)
 {
-    tour.expect(QStringLiteral("The dialog and its selection are still there for a second try"),
+    tour.expect("The dialog and its selection are still there for a second try",
                 [] {
-                    return messageBox() == nullptr
-                               ? dialogWithComment(QStringLiteral("CameraManager 5.3"))
-                               : nullptr;
+                    return messageBox() == nullptr ? dialogWithComment("CameraManager 5.3")
+                                                   : nullptr;
                 })
         .then([stage] {
-            stage.server.play(QStringLiteral("as-it-is"));
+            stage.server.play("as-it-is");
             pressInstall();
         });
-    tour.expect(QStringLiteral("Install Package asks once more"),
-                [] { return messageBoxTitled(QStringLiteral("Install Package")); })
+    tour.expect("Install Package asks once more",
+                [] { return messageBoxTitled("Install Package"); })
         .then(acceptMessageBox);
-    tour.expect(QStringLiteral("The second try succeeds"),
-                [stage] { return windowAfterOpening(stage, 2); })
-        .picture(QStringLiteral("recovered"))
+    tour.expect("The second try succeeds", [stage] { return windowAfterOpening(stage, 2); })
+        .picture("recovered")
         .then(cancelSettings);
-    tour.expect(QStringLiteral("Cancel closes the settings dialog"),
+    tour.expect("Cancel closes the settings dialog",
                 [stage] { return settingsDialog() == nullptr ? &stage.window : nullptr; });
 }
 

@@ -68,7 +68,7 @@ QStringList visibleRows(const QTableWidget* table)
     QStringList rows;
     for (int row = 0; row < table->rowCount(); ++row) {
         if (!table->isRowHidden(row)) {
-            rows.append(rowTexts(table, row).join(QStringLiteral(" | ")));
+            rows.append(rowTexts(table, row).join(" | "));
         }
     }
     return rows;
@@ -76,7 +76,9 @@ QStringList visibleRows(const QTableWidget* table)
 
 void clickButton(const QWidget* window, const char* name)
 {
-    clickButton(window->findChild<QAbstractButton*>(QLatin1String(name)));
+    if (window != nullptr) {
+        clickButton(window->findChild<QAbstractButton*>(QLatin1String(name)));
+    }
 }
 
 void clickButton(QAbstractButton* button)
@@ -97,9 +99,9 @@ QString describeScreen()
     for (const QWidget* widget : QApplication::topLevelWidgets()) {
         if (widget->isVisible()) {
             const auto* box = qobject_cast<const QMessageBox*>(widget);
-            const QString text = box != nullptr ? QStringLiteral(": ") + box->text() : QString();
+            const QString text = box != nullptr ? ": " + box->text() : QString();
             windows.append(QStringLiteral("\"%1%2\"").arg(widget->windowTitle(), text));
         }
     }
-    return windows.join(QStringLiteral(", "));
+    return windows.join(", ");
 }

@@ -36,7 +36,8 @@ QString labelText(const QWidget* window, const char* name);
 /** The rows of @p table that can be seen, as text. */
 QStringList visibleRows(const QTableWidget* table);
 
-/** Clicks with the mouse on the button @p name of @p window, once the caller is done. */
+/** Clicks with the mouse on the button @p name of @p window, once the caller is done. Without
+   window or button nothing happens, which the next step of a tour notices. */
 void clickButton(const QWidget* window, const char* name);
 
 /** The same on @p button. */

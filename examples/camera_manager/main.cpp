@@ -2,8 +2,8 @@
 //
 // It shows, in the order in which a host needs them:
 //
-//   QCoreApplication::setApplicationName     the name that the catalogue's packages are matched
-//   with SoftwareUpdateClient(...)                one object, for the time that the event loop runs
+//   QCoreApplication::setApplicationName     the name that packages are matched with
+//   SoftwareUpdateClient(...)                one object, for the time that the event loop runs
 //   setCurrentCameraVersions                 the cameras whose firmware is looked for
 //   queryForUpdate                           behind a menu entry (CameraManagerWindow.cpp)
 //   doInitialCheck                           once at the start
@@ -33,8 +33,7 @@ namespace {
 
 constexpr int initialCheckDelayMs = 2000;
 
-/** The constructor's address is only a default, and yields to the one that an earlier run stored.
- */
+/** The address given to the constructor yields to one that an earlier run has stored; not here. */
 void insistOnServer(vx::SoftwareUpdateClient& updates, const QString& address)
 {
     vx::SoftwareUpdateSettings settings;
@@ -55,7 +54,7 @@ int runTour(CameraManagerWindow& window, EmbeddedServer& server, const QString& 
 
 int run(const Options& options, bool tour)
 {
-    EmbeddedServer server(QApplication::applicationDirPath() + QStringLiteral("/packages"));
+    EmbeddedServer server(QApplication::applicationDirPath() + "/packages");
     QString address = options.server;
     if (address.isEmpty()) {
         if (!server.start()) {
@@ -68,7 +67,7 @@ int run(const Options& options, bool tour)
 
     CameraManagerWindow window(options.version, options.cameras);
     const vx::VersionNumber version(options.version.toStdString());
-    vx::SoftwareUpdateClient updates(QStringLiteral("Camera Manager"), version, address, &window);
+    vx::SoftwareUpdateClient updates("Camera Manager", version, address, &window);
     insistOnServer(updates, address);
     updates.setCurrentCameraVersions(options.cameras);
     QObject::connect(&window, SIGNAL(checkForUpdates()), &updates, SLOT(queryForUpdate()));
@@ -95,9 +94,9 @@ int main(int argc, char** argv)
     }
 
     QApplication application(argc, argv);
-    QApplication::setOrganizationName(QStringLiteral("Example"));
-    QApplication::setApplicationName(QStringLiteral("CameraManager"));
-    QApplication::setApplicationDisplayName(QStringLiteral("Camera Manager"));
+    QApplication::setOrganizationName("Example");
+    QApplication::setApplicationName("CameraManager");
+    QApplication::setApplicationDisplayName("Camera Manager");
 
     const Options options = readOptions(QApplication::arguments());
     if (options.help) {

@@ -146,7 +146,7 @@ ServedReply slowPackage(const Stage& stage, const ServedRequest& request)
 
 ServedReply long404(const Stage& stage, const ServedRequest& request)
 {
-    const ServedReply package = asItIs(stage, request);
+    ServedReply package = asItIs(stage, request);
     if (asksForCatalogue(request)) {
         return package;
     }

@@ -12,7 +12,7 @@ namespace vx {
 
 namespace {
 
-constexpr size_t pieceSize = 64 * 1024;
+constexpr size_t pieceSize = 65536;
 
 /** Fits the range into a file of @p size bytes. False if none of it lies in the file. */
 bool clampRange(httplib::Range& range, qint64 size)
