@@ -137,6 +137,7 @@ QPalette darkPalette()
     palette.setColor(QPalette::Link, QColor(110, 170, 240));
     palette.setColor(QPalette::Highlight, QColor(42, 110, 180));
     palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(140, 140, 140));
     return palette;
 }
 
