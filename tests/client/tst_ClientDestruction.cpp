@@ -98,7 +98,8 @@ private:
     {
         ServedReply reply;
         reply.status = 302;
-        reply.headers.append({"Location", "http://update.example/"});
+        reply.headers.append(
+            qMakePair(QByteArray("Location"), QByteArray("http://update.example/")));
         fixture.serve("/", reply);
         fixture.client().checkForUpdate();
     }
@@ -142,7 +143,7 @@ private slots:
 void tst_ClientDestruction::atAnyMoment_data()
 {
     QTest::addColumn<quint32>("seed");
-    for (quint32 seed = 1; seed <= 60; ++seed) {
+    for (quint32 seed = 1; seed <= 40; ++seed) {
         QTest::addRow("seed %u", seed) << seed;
     }
 }
