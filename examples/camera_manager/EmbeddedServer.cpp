@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QUrl>
 
 #include "host/NodeDB/NodeDB.h"
@@ -14,6 +15,14 @@ QByteArray readFile(const QString& name)
 {
     QFile file(name);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/** Archives differ by some bytes from machine to machine, and the announced size must be exact. */
+void fillInSize(QString& catalogue, const QFileInfo& package)
+{
+    const QString name = QRegularExpression::escape(package.fileName());
+    const QRegularExpression size("(<url>" + name + "</url>\\s*<file-size>)\\d+");
+    catalogue.replace(size, QString("\\1%1").arg(package.size()));
 }
 
 } // namespace
@@ -50,15 +59,14 @@ bool EmbeddedServer::copyPackages()
 
 bool EmbeddedServer::writeCatalogue()
 {
-    QByteArray text = readFile(":/camera_manager/catalogue.xml");
-    const QUrl address = m_server.url(QString());
-    text.replace("@SERVER@", address.toEncoded());
+    QString text = QString::fromUtf8(readFile(":/camera_manager/catalogue.xml"));
+    text.replace("http://updates.example.com", m_server.url(QString()).toString());
     for (const QFileInfo& package : QDir(m_folder.path()).entryInfoList(QDir::Files)) {
-        text.replace("@SIZE " + package.fileName().toUtf8() + '@',
-                     QByteArray::number(package.size()));
+        fillInSize(text, package);
     }
+    const QByteArray catalogue = text.toUtf8();
     QFile file(m_folder.filePath("catalogue.xml"));
-    return file.open(QIODevice::WriteOnly) && file.write(text) == text.size() &&
+    return file.open(QIODevice::WriteOnly) && file.write(catalogue) == catalogue.size() &&
            QFile::copy(":/camera_manager/release-notes.html",
                        m_folder.filePath("release-notes.html"));
 }
