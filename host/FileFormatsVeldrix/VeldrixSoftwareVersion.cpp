@@ -6,7 +6,7 @@ QString vx::VeldrixSoftwareVersion::applicationVersion(const QString& version, c
                                                        short number)
 {
     static const QRegularExpression leadingNumbers(QStringLiteral("^[0-9]+(\\.[0-9]+)*"));
-    const QString shown = version.trimmed();
+    QString shown = version.trimmed();
     if (shown.isEmpty()) {
         return text;
     }

@@ -60,7 +60,7 @@ QString decodeXml(const QByteArray& document)
         throw ParseException(QStringLiteral("The encoding of the document is unknown."));
     }
     QTextCodec::ConverterState state;
-    const QString text = codec->toUnicode(document.constData(), document.size(), &state);
+    QString text = codec->toUnicode(document.constData(), document.size(), &state);
     // The codecs of UTF-16 and UTF-32 do not look at surrogates.
     if (state.invalidChars > 0 || state.remainingChars > 0 || !text.isValidUtf16()) {
         throw ParseException(QStringLiteral("The document is not in its encoding, %1.")

@@ -9,13 +9,13 @@ namespace vx {
 
 namespace {
 
-constexpr QLatin1String entityStart("<!ENTITY");
-constexpr QLatin1String attributesStart("<!ATTLIST");
+const QLatin1String entityStart("<!ENTITY");
+const QLatin1String attributesStart("<!ATTLIST");
 
 QString withCharactersResolved(QStringView value)
 {
     static const QRegularExpression reference(QStringLiteral("&#(x?)([0-9a-fA-F]+);"));
-    const QString literal = value.toString();
+    QString literal = value.toString();
     if (!literal.contains(QLatin1String("&#"))) {
         return literal;
     }

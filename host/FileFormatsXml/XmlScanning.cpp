@@ -26,7 +26,7 @@ int skipXmlSpace(QStringView text, int from)
 
 int skipXmlName(QStringView text, int from)
 {
-    constexpr QLatin1String punctuation("/>=;&<\"'[%#");
+    const QLatin1String punctuation("/>=;&<\"'[%#");
     const auto end = std::find_if(text.begin() + from, text.end(), [punctuation](QChar c) {
         return isXmlSpace(c) || punctuation.contains(c);
     });

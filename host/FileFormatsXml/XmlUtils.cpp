@@ -12,7 +12,7 @@ namespace vx {
 
 namespace {
 
-constexpr qint64 pieceSize = 64 * 1024;
+constexpr qint64 pieceSize = Q_INT64_C(64) * 1024;
 
 /** All bytes of @p device; one that has more than allowed, or has no end, is not read to its end.
  */

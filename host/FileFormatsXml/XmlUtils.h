@@ -16,7 +16,7 @@ public:
     XmlUtils() = delete;
 
     /** The largest document read, in bytes. */
-    static constexpr qint64 maximumDocumentSize = 64 * 1024 * 1024;
+    static constexpr qint64 maximumDocumentSize = Q_INT64_C(64) * 1024 * 1024;
 
     /** How many nodes a document may have: elements, attributes, texts, comments and the like. */
     static constexpr qint64 maximumNodes = 1000000;
@@ -31,7 +31,7 @@ public:
      * How many characters the entities of a document may expand to, all together. Default values of
      * attributes count as well, once for each element that they are declared for.
      */
-    static constexpr qint64 maximumEntityExpansion = 1024 * 1024;
+    static constexpr qint64 maximumEntityExpansion = Q_INT64_C(1024) * 1024;
 
     /**
      * Reads @p device to its end and builds the document.

@@ -2,6 +2,7 @@
 #include <QtTest>
 
 #include <memory>
+#include <mutex>
 
 #include "host/CoreQt/InvokeQueued.h"
 #include "tests/support/TestMain.h"
@@ -27,6 +28,8 @@ class Receiver : public QObject
 public:
     QStringList calls;
     QThread* thread = nullptr;
+    /** Held while a call is noted. Qt's own waiting is not seen by every race detector. */
+    std::mutex noting;
 
 signals:
     void raised(ParcelList parcels);
@@ -56,6 +59,7 @@ private slots:
 private:
     void note(const char* method, const ParcelList& parcels)
     {
+        const std::lock_guard<std::mutex> lock(noting);
         thread = QThread::currentThread();
         QStringList names;
         for (const Parcel& parcel : parcels) {
@@ -292,14 +296,19 @@ void InvokeQueuedTest::doesNotCallADestroyedReceiver()
 void InvokeQueuedTest::callsInTheReceiversThread()
 {
     QThread thread;
-    auto* const receiver = m_receiver.get();
-    receiver->moveToThread(&thread);
-    thread.start();
-    vx::invokeQueued(receiver, "unqualified", Q_ARG(vx::ParcelList, m_parcels));
     QObject quitter;
+    vx::Receiver* const receiver = m_receiver.get();
+    receiver->moveToThread(&thread);
     quitter.moveToThread(&thread);
-    QMetaObject::invokeMethod(&quitter, [&thread] { thread.quit(); });
+    vx::invokeQueued(receiver, "unqualified", Q_ARG(vx::ParcelList, m_parcels));
+    QMetaObject::invokeMethod(
+        &quitter, [&thread] { thread.quit(); }, Qt::QueuedConnection);
+    QCoreApplication::processEvents();
+    QVERIFY(receiver->calls.isEmpty());
+    thread.start();
     QVERIFY(thread.wait(10000));
+    const std::lock_guard<std::mutex> lock(receiver->noting);
+    QCOMPARE(receiver->calls, QStringList{QStringLiteral("unqualified a+b")});
     QCOMPARE(receiver->thread, &thread);
 }
 
