@@ -1,5 +1,6 @@
 // update-catalogue: tells release managers what a catalogue does before it is published.
 #include <QApplication>
+#include <QHashFunctions>
 #include <QScopedPointer>
 
 #include "host/Core/Log.h"
@@ -41,6 +42,8 @@ QCoreApplication* createApplication(int& argc, char** argv)
 
 int main(int argc, char** argv)
 {
+    // Words of a set come in an order that changes from run to run; what is printed should not.
+    qSetGlobalQHashSeed(0);
     const QScopedPointer<QCoreApplication> application(createApplication(argc, argv));
     silenceLog();
     vx::Terminal terminal(stdout);

@@ -56,8 +56,8 @@ void print(const QString& name, const FindingList& findings, Terminal& terminal)
                      terminal.coloured(severityName(finding.severity), colourOf(finding.severity)),
                      subject, finding.sentence, finding.rule));
     }
-    terminal.line(findings.isEmpty() ? QString("No findings.")
-                                     : QString("%1 findings.").arg(findings.size()));
+    terminal.line(findings.size() == 1 ? QString("1 finding.")
+                                       : QString("%1 findings.").arg(findings.size()));
 }
 
 QJsonDocument toJson(const QString& name, const FindingList& findings)
