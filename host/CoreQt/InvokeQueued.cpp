@@ -29,6 +29,7 @@ QString withoutQualifiers(const QByteArray& signature)
     return QString::fromUtf8(signature).remove(qualifier);
 }
 
+/** Whether @p method is the one written: by its name, or by its name and its parameters. */
 bool hasWrittenForm(const QMetaMethod& method, const QByteArray& written)
 {
     if (!written.contains('(')) {
@@ -38,6 +39,7 @@ bool hasWrittenForm(const QMetaMethod& method, const QByteArray& written)
     return withoutQualifiers(method.methodSignature()) == withoutQualifiers(signature);
 }
 
+/** Whether two type names are the same, one of them perhaps without its namespace. */
 bool isSameName(const QByteArray& a, const QByteArray& b)
 {
     return a == b || a.endsWith("::" + b) || b.endsWith("::" + a);
@@ -47,6 +49,7 @@ bool takes(const QMetaMethod& method, int index, const QGenericArgument& argumen
 {
     const int wanted = method.parameterType(index);
     const int given = QMetaType::type(argument.name());
+    // Names decide only where a type is not registered: two types may share their last name.
     if (wanted != QMetaType::UnknownType && given != QMetaType::UnknownType) {
         return wanted == given;
     }

@@ -12,6 +12,7 @@ namespace {
 const QLatin1String entityStart("<!ENTITY");
 const QLatin1String attributesStart("<!ATTLIST");
 
+/** @p value as the parser keeps it: character references are replaced where they are declared. */
 QString withCharactersResolved(QStringView value)
 {
     static const QRegularExpression reference(QStringLiteral("&#(x?)([0-9a-fA-F]+);"));
@@ -38,6 +39,7 @@ bool isQuote(QChar c)
     return c == QLatin1Char('"') || c == QLatin1Char('\'');
 }
 
+/** Notes what an entity stands for. Of several with one name the first counts. */
 void readEntity(QStringView declaration, XmlDocumentType& type)
 {
     const int nameStart = skipXmlSpace(declaration, entityStart.size());
@@ -55,6 +57,7 @@ void readEntity(QStringView declaration, XmlDocumentType& type)
     }
 }
 
+/** Notes the default values; what has none says so with a word such as "#IMPLIED". */
 void readAttributes(QStringView declaration, XmlDocumentType& type)
 {
     const int nameStart = skipXmlSpace(declaration, attributesStart.size());

@@ -35,6 +35,7 @@ void XmlLimits::walkContent(QStringView text)
     int i = 0;
     while (i < text.size()) {
         const int markup = nextMarkup(text, i, !m_type.entities.isEmpty());
+        // The parser drops white space between elements, of which there may be much.
         if (!isBlankXml(text.mid(i, markup - i))) {
             addNodes(1);
         }
@@ -67,6 +68,7 @@ int XmlLimits::walkMarkup(QStringView text, int from)
         return skipXmlPast(text, from, QLatin1String("?>"));
     }
     if (startsWith("<!--")) {
+        // From behind the hyphens, which must not count for the end as well.
         return skipXmlPast(text, from + 4, QLatin1String("-->"));
     }
     return skipXmlPast(text, from, QLatin1String("]]>"));
@@ -120,6 +122,7 @@ int XmlLimits::walkReference(QStringView text, int from, void (XmlLimits::*walkE
         if (++m_openEntities > maximumOpenEntities) {
             refuseXml("An entity of the document contains itself.");
         }
+        // An entity may be empty; it is the number of references that takes time then.
         addNodes(1);
         addExpansion(*entity);
         (this->*walkEntity)(*entity);

@@ -1,11 +1,9 @@
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 
 #include <algorithm>
 #include <filesystem>
-
-#include <sys/stat.h>
+#include <vector>
 
 #include "host/IO/FileUtils.h"
 
@@ -13,13 +11,19 @@ namespace vx {
 
 namespace {
 
+// Not QFileInfo and the like, to which a name such as ":x" means something that is no file.
 namespace fs = std::filesystem;
+
+fs::path toPath(const QString& path)
+{
+    return fs::path(QFile::encodeName(path).toStdString());
+}
 
 /**
  * @p path with all links in it resolved but the last: its folder's real path and its own name.
  * Empty for a path that is no place of its own, or whose folder does not exist.
  */
-QString resolvedUpToName(QString path)
+fs::path resolvedUpToName(QString path)
 {
     while (path.endsWith(QLatin1Char('/'))) {
         path.chop(1);
@@ -32,51 +36,50 @@ QString resolvedUpToName(QString path)
     if (!isName) {
         return {};
     }
+    std::error_code error;
     const QString folder = slash < 0 ? QStringLiteral(".") : path.left(slash + 1);
-    const QString realFolder = QFileInfo(folder).canonicalFilePath();
-    return realFolder.isEmpty() ? QString() : QDir(realFolder).filePath(name);
+    const fs::path realFolder = fs::canonical(toPath(folder), error);
+    return error ? fs::path() : realFolder / toPath(name);
 }
 
-/** The folder and all folders above it, up to the root. */
-QStringList withFoldersAbove(const QString& folder)
+/** Adds @p folder and all folders above it, up to the root. */
+void addWithFoldersAbove(std::vector<fs::path>& folders, fs::path folder)
 {
-    QStringList folders{folder};
-    while (!QDir(folders.last()).isRoot()) {
-        folders.append(QFileInfo(folders.last()).path());
+    folders.push_back(folder);
+    while (folder.has_relative_path()) {
+        folder = folder.parent_path();
+        folders.push_back(folder);
     }
-    return folders;
 }
 
 /** The folders that are never removed, under their real names and under those they are known by. */
-QStringList protectedFolders()
+std::vector<fs::path> protectedFolders()
 {
-    QStringList folders;
+    std::vector<fs::path> folders;
     for (const QString& known : {QDir::homePath(), QDir::tempPath(), QDir::currentPath()}) {
-        folders += withFoldersAbove(QDir::cleanPath(QFileInfo(known).absoluteFilePath()));
-        const QString real = QFileInfo(known).canonicalFilePath();
-        if (!real.isEmpty()) {
-            folders += withFoldersAbove(real);
+        const fs::path path = toPath(QDir::cleanPath(known));
+        addWithFoldersAbove(folders, path);
+        std::error_code error;
+        const fs::path real = fs::canonical(path, error);
+        if (!error) {
+            addWithFoldersAbove(folders, real);
         }
     }
     return folders;
 }
 
-/** Whether @p path itself, not what it links to, is @p folder; names do not always tell. */
-bool isFolder(const QString& path, const QString& folder)
+/** Whether @p path itself, not what it links to, is @p folder; the names do not always tell. */
+bool isFolder(const fs::path& path, const fs::path& folder)
 {
-    struct stat pathStatus;
-    struct stat folderStatus;
-    return path == folder ||
-           (lstat(QFile::encodeName(path).constData(), &pathStatus) == 0 &&
-            stat(QFile::encodeName(folder).constData(), &folderStatus) == 0 &&
-            pathStatus.st_dev == folderStatus.st_dev && pathStatus.st_ino == folderStatus.st_ino);
+    std::error_code error;
+    return path == folder || (!fs::is_symlink(path, error) && fs::equivalent(path, folder, error));
 }
 
-bool isProtected(const QString& path)
+bool isProtected(const fs::path& path)
 {
-    const QStringList folders = protectedFolders();
+    const std::vector<fs::path> folders = protectedFolders();
     return std::any_of(folders.begin(), folders.end(),
-                       [&path](const QString& folder) { return isFolder(path, folder); });
+                       [&path](const fs::path& folder) { return isFolder(path, folder); });
 }
 
 /** Lets the owner list and empty @p path and the folders in it; links are not followed. */
@@ -98,11 +101,10 @@ void makeErasable(const fs::path& path)
 
 bool FileUtils::erase(const QString& path)
 {
-    const QString resolved = resolvedUpToName(path);
-    if (resolved.isEmpty() || isProtected(resolved)) {
+    const fs::path target = resolvedUpToName(path);
+    if (target.empty() || isProtected(target)) {
         return false;
     }
-    const fs::path target(QFile::encodeName(resolved).toStdString());
     makeErasable(target);
     std::error_code error;
     const auto removed = fs::remove_all(target, error);

@@ -127,7 +127,7 @@ void FileErasingTest::erasesNamesOfAllKinds_data()
 {
     QTest::addColumn<QString>("name");
     for (const char* name : {" ", "...", ".hidden", "a b", "Gr\xc3\xb6\xc3\x9f\x65", "*", "-rf",
-                             "~", "a\nb", "a\\b", "%1", "..x"}) {
+                             "~", "a\nb", "a\\b", ":x", "%1", "..x"}) {
         QTest::newRow(name) << QString::fromUtf8(name);
     }
 }
