@@ -10,7 +10,7 @@
 namespace {
 
 constexpr int lookEveryMs = 20;
-constexpr int patienceMs = 15000;
+constexpr int patienceMs = 20000;
 
 void print(const QString& line)
 {

@@ -40,7 +40,7 @@ private:
  * Uses an application as a person would, looks whether it does what it should, and reports.
  *
  * The steps are taken one after the other from the event loop, also from that of a message box. The
- * application ends with 0 after the last one, and with 1 if one is not seen within fifteen seconds.
+ * application ends with 0 after the last one, and with 1 if one is not seen within twenty seconds.
  */
 class Tour : public QObject
 {

@@ -30,7 +30,7 @@ Result run(const QStringList& arguments, const QTemporaryDir& folder)
     process.setProcessEnvironment(environment);
     process.setWorkingDirectory(folder.path());
     process.start(QStringLiteral(CAMERA_MANAGER), arguments);
-    const bool ended = process.waitForFinished(60000);
+    const bool ended = process.waitForFinished(120000);
     const bool regular = ended && process.exitStatus() == QProcess::NormalExit;
     return {regular ? process.exitCode() : -1, QString::fromUtf8(process.readAllStandardOutput()),
             QString::fromUtf8(process.readAllStandardError())};

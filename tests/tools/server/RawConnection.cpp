@@ -62,6 +62,18 @@ Ending RawConnection::read(int count, int milliseconds)
     return Ending::None;
 }
 
+Ending RawConnection::readBody(int count, int milliseconds)
+{
+    Ending ending = Ending::None;
+    int before = -1;
+    while (ending == Ending::None && m_received.size() > before &&
+           (head().isEmpty() || body().size() < count)) {
+        before = m_received.size();
+        ending = read(before + 1, milliseconds);
+    }
+    return ending;
+}
+
 Ending RawConnection::readToEnd(int milliseconds)
 {
     return read(std::numeric_limits<int>::max(), milliseconds);

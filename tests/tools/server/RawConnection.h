@@ -36,10 +36,13 @@ public:
 
     /** Reads until @p count bytes are there, the connection ends or nothing comes for
         @p milliseconds. */
-    Ending read(int count, int milliseconds = 5000);
+    Ending read(int count, int milliseconds = 20000);
+
+    /** Reads until @p count bytes of the body are there; otherwise as read(). */
+    Ending readBody(int count, int milliseconds = 20000);
 
     /** Reads until the connection ends or nothing comes for @p milliseconds. */
-    Ending readToEnd(int milliseconds = 5000);
+    Ending readToEnd(int milliseconds = 20000);
 
     /** All that was read so far. */
     QByteArray received() const { return m_received; }

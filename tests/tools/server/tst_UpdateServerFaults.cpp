@@ -12,8 +12,10 @@ using namespace vx::test;
 namespace {
 
 constexpr int bodySize = 100000;
-/** Long enough for the bytes that come, short enough to wait for those that never do. */
+/** How long nothing must come. */
 constexpr int quietMs = 300;
+/** How long something may take to come. */
+constexpr int patienceMs = 20000;
 
 ServedReply faultyReply(ServedReply::Fault fault, qint64 bytes, int size = bodySize)
 {
@@ -85,7 +87,10 @@ void tst_UpdateServerFaults::breaksTheBodyOff()
     server.setReply("/", faultyReply(fault, bytes));
     RawConnection client(server.port());
     QVERIFY(client.get("/"));
-    QCOMPARE(client.readToEnd(quietMs), ending);
+    if (ending == Ending::None) {
+        QCOMPARE(client.readBody(received), Ending::None);
+    }
+    QCOMPARE(client.readToEnd(ending == Ending::None ? quietMs : patienceMs), ending);
     QCOMPARE(client.status(), 200);
     QVERIFY(client.head().contains("Content-Length: " + QByteArray::number(bodySize)));
     QCOMPARE(client.body().size(), received);
@@ -225,7 +230,7 @@ void tst_UpdateServerFaults::stopEndsEveryConnection()
     QElapsedTimer timer;
     timer.start();
     server.stop();
-    QVERIFY2(timer.elapsed() < 5000, "a connection held stop() up");
+    QVERIFY2(timer.elapsed() < 8000, "a connection held stop() up");
     for (const auto& client : clients) {
         QVERIFY(client->readToEnd() != Ending::None);
     }
