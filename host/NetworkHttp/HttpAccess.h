@@ -39,8 +39,8 @@ struct VX_NETWORKHTTP_EXPORT HttpAccess
     /**
      * Sets host and port, and forgets user and password, which belonged to another address.
      *
-     * @param host a name or an address; IPv6 with or without brackets. What can't be a host gives
-     * no access.
+     * @param host a name or an address; IPv6 with or without brackets. What can't be a host
+     *        gives no access.
      * @param hostPort 1 to 65535; anything else stands for 80, or 443 with @p https.
      * @param https whether a server there is asked by https instead of http.
      */
@@ -52,7 +52,7 @@ struct VX_NETWORKHTTP_EXPORT HttpAccess
      *
      * Blanks around it are dropped. Text that names no host gives no access.
      *
-     * @param defaultPort the port when @p text names none; with https this is 443 in place of 80.
+     * @param defaultPort the port when @p text names none; for https it is 443 whatever this says.
      */
     void parseAddress(const QString& text, int defaultPort);
 

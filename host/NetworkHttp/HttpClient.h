@@ -32,8 +32,7 @@ class VX_NETWORKHTTP_EXPORT HttpClient : public QObject
     Q_OBJECT
 
 public:
-    /** The answer to the next redirect after so many ends the request, with the redirect's status.
-     */
+    /** So many redirects are followed; one more ends the request with its own status. */
     static constexpr int maxRedirects = 20;
 
     /** The body that the client's own buffer takes, in bytes. More of it ends the request. */
@@ -66,12 +65,13 @@ public:
      * @param receiver the object whose slot tells of the end. If it is destroyed meanwhile, the
      *        request runs on, no slot is called, and requestReset is raised at its end. Null: the
      *        same.
-     * @param slot as the SLOT macro gives it, "1queryResult(RequestPtr)". A slot without a
-     * parameter does as well, access doesn't matter. One that @p receiver doesn't have is reported
-     * as a warning here and counts as no receiver.
+     * @param slot as the SLOT macro gives it, "1queryResult(RequestPtr)". A slot without
+     *        parameter does as well, access doesn't matter. One that @p receiver doesn't have is
+     *        reported as a warning here and counts as no receiver.
      * @param device receives the body; open for writing, the caller's, and to be kept until the
-     *        request has ended. The value -1 means that the client keeps the body in its own
-     * buffer, see RequestData::getResponseBuffer. Null: see @p sharedDevice.
+     *        request has ended. It must not reset or destroy the client while it is written to.
+     *        The value -1 means that the client keeps the body in its own buffer, see
+     *        RequestData::getResponseBuffer. Null: see @p sharedDevice.
      * @param sharedDevice receives the body if @p device is null, and is held by the request. If
      *        both are null, the body is thrown away.
      * @return the request, which hasn't started; never null.

@@ -57,7 +57,7 @@ struct VX_NETWORKHTTP_EXPORT HttpHost
      * Writes server and proxy to the keys that load reads.
      *
      * @param withPasswords whether the passwords are stored, in plain text. With false both
-     * password keys are removed, lest an old password be used with a new address.
+     *        password keys are removed, lest an old password be used with a new address.
      */
     void store(QSettings& settings, bool withPasswords) const;
 
@@ -74,8 +74,8 @@ struct VX_NETWORKHTTP_EXPORT HttpHost
      * The URL of @p path on the server.
      *
      * @param path percent-encoded, as HttpClient::encodedUrlPath gives it. What can't stand in the
-     *        path of a URL is encoded, a "?" and a "#" included, and what is encoded stays as it
-     * is. A leading "/" is added where it is missing, so that an empty path becomes "/" in a full
+     *        path of a URL is encoded, a "?" and a "#" included; what is encoded stays so. A
+     *        leading "/" is added where it is missing, so that an empty path becomes "/" in a full
      *        URL; without scheme and host an empty path stays empty.
      * @param params becomes the query, in the order of the keys, each key and value percent-encoded
      *        as UTF-8. Empty: no query.

@@ -5,7 +5,6 @@
 #include <QLoggingCategory>
 #include <QNetworkReply>
 #include <QNetworkRequest>
-#include <QPointer>
 
 #include <algorithm>
 #include <limits>
@@ -161,7 +160,6 @@ void HttpTransfer::followRedirect()
 
 void HttpTransfer::moveBody()
 {
-    const QPointer<HttpTransfer> self(this);
     QElapsedTimer slice;
     slice.start();
     while (m_reply->bytesAvailable() > 0) {
@@ -169,12 +167,7 @@ void HttpTransfer::moveBody()
             QMetaObject::invokeMethod(this, "proceed", Qt::QueuedConnection);
             break;
         }
-        // A device of the application may call back, and destroy the client.
-        const bool isMoved = moveChunk();
-        if (!self || m_hasEnded) {
-            return;
-        }
-        if (!isMoved) {
+        if (!moveChunk()) {
             end();
             return;
         }
