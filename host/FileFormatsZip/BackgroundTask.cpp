@@ -39,13 +39,12 @@ QString currentReason()
 
 BackgroundTask::~BackgroundTask()
 {
-    if (m_thread.joinable()) {
-        m_thread.join();
-    }
+    wait();
 }
 
 void BackgroundTask::start(std::function<void()> work, std::function<void()> whenEnded)
 {
+    const std::lock_guard<std::mutex> lock(m_threadMutex);
     try {
         m_thread = std::thread([this, work = std::move(work), whenEnded] {
             blockSignals();
@@ -60,15 +59,23 @@ void BackgroundTask::start(std::function<void()> work, std::function<void()> whe
 
 bool BackgroundTask::waitFor(int milliseconds)
 {
-    std::unique_lock<std::mutex> lock(m_mutex);
+    std::unique_lock<std::mutex> lock(m_endMutex);
     return m_ended.wait_for(lock, std::chrono::milliseconds(milliseconds),
                             [this] { return m_isEnded; });
 }
 
 void BackgroundTask::wait()
 {
-    std::unique_lock<std::mutex> lock(m_mutex);
-    m_ended.wait(lock, [this] { return m_isEnded; });
+    const std::lock_guard<std::mutex> lock(m_threadMutex);
+    if (m_thread.joinable()) {
+        m_thread.join();
+    }
+}
+
+QString BackgroundTask::failure()
+{
+    wait();
+    return m_failure;
 }
 
 void BackgroundTask::run(const std::function<void()>& work)
@@ -86,7 +93,7 @@ void BackgroundTask::end(const std::function<void()>& whenEnded)
     if (whenEnded) {
         whenEnded();
     }
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard<std::mutex> lock(m_endMutex);
     m_isEnded = true;
     m_ended.notify_all();
 }

@@ -33,18 +33,19 @@ public:
     /** Waits for the end, for at most @p milliseconds. Gives whether the end is reached. */
     bool waitFor(int milliseconds);
 
-    /** Waits for the end of a task that was started. Any thread may call it. */
+    /** Waits for the end; of a task that has not started, there is none. Any thread may call it. */
     void wait();
 
-    /** After the end: why the work failed, empty if it did not. */
-    QString failure() const { return m_failure; }
+    /** Waits for the end, and gives why the work failed, or nothing if it did not. */
+    QString failure();
 
 private:
     void run(const std::function<void()>& work);
     void end(const std::function<void()>& whenEnded);
 
+    std::mutex m_threadMutex; ///< guards the thread against being joined twice
     std::thread m_thread;
-    std::mutex m_mutex;
+    std::mutex m_endMutex; ///< guards m_isEnded
     std::condition_variable m_ended;
     bool m_isEnded = false;
     QString m_failure;

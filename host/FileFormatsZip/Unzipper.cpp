@@ -22,7 +22,6 @@ public:
     QString zipFile;
     QString targetFolder;
     bool flat = false;
-    bool isStarted = false;
     ExtractionState state;
     /** The last member, so that its thread has ended before the others go. */
     BackgroundTask task;
@@ -71,7 +70,6 @@ bool Unzipper::removeZipFile()
 
 void Unzipper::start()
 {
-    d->isStarted = true;
     d->task.start([this] { d->unpack(); },
                   [this] { QMetaObject::invokeMethod(this, "report", Qt::QueuedConnection); });
 }
@@ -90,9 +88,7 @@ void Unzipper::report()
 void Unzipper::stop()
 {
     d->state.canceled = true;
-    if (d->isStarted) {
-        d->task.wait();
-    }
+    d->task.wait();
 }
 
 } // namespace vx
