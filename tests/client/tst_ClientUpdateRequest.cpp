@@ -1,6 +1,7 @@
 #include <QLineEdit>
 #include <QNetworkProxyFactory>
 #include <QPushButton>
+#include <QThread>
 #include <QTimer>
 #include <QtTest>
 
@@ -49,6 +50,7 @@ private slots:
     void oneTimerServesAllChecks();
     void timeIsStoredBeforeTheOutcome();
     void secondCheckDuringTheFirst();
+    void bothRepliesAtOnce();
     void statusToRequire();
 };
 
@@ -271,6 +273,25 @@ void tst_ClientUpdateRequest::secondCheckDuringTheFirst()
     QTRY_COMPARE(fixture.log.count(1, upToDate), 2);
     QCOMPARE(fixture.server.requests().size(), 3);
     QVERIFY(!client.requestTimer()->isActive());
+}
+
+void tst_ClientUpdateRequest::bothRepliesAtOnce()
+{
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    ServedReply slow;
+    slow.body = catalogueXml(nothingNew());
+    slow.delayMs = 50;
+    fixture.server.setReply("/", slow);
+    client.checkForUpdate();
+    client.checkForUpdate();
+    QTRY_COMPARE(fixture.server.requests().size(), 2);
+    // A busy application finds both replies in its event queue.
+    QThread::msleep(500);
+    QTRY_COMPARE(fixture.log.count(1, upToDate), 1);
+    QCoreApplication::processEvents();
+    deleteDeferred();
+    QCOMPARE(fixture.log.count(1, upToDate), 1);
 }
 
 void tst_ClientUpdateRequest::statusToRequire()
