@@ -7,8 +7,8 @@ namespace vx::test {
 /**
  * Runs @p testObject as a Qt Test program in surroundings of its own.
  *
- * Home, configuration, cache and temporary folders are private to the run and removed at its end, so
- * that no test reads or leaves anything in the user's own folders. The platform is "offscreen"
+ * Home, configuration, cache and temporary folders are private to the run and removed at its end,
+ * so that no test reads or leaves anything in the user's own folders. The platform is "offscreen"
  * unless QT_QPA_PLATFORM says otherwise.
  *
  * @return the exit code of the program.

@@ -13,8 +13,7 @@ NetworkProxy::NetworkProxy(bool use, const QString& address, unsigned short port
     , m_port(port)
     , m_user(user)
     , m_password(password)
-{
-}
+{}
 
 NodeDB& NodeDB::getDB()
 {

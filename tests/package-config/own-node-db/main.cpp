@@ -1,5 +1,5 @@
-// Replaces one host library at link time: the check must go through the proxy that only our own node
-// database knows.
+// Replaces one host library at link time: the check must go through the proxy that only our own
+// node database knows.
 #include <QApplication>
 #include <QSettings>
 #include <QTcpServer>
