@@ -1,6 +1,7 @@
 #include <QDeadlineTimer>
 #include <QEventLoop>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QtTest>
@@ -49,6 +50,7 @@ private slots:
     void initTestCase();
     void downloadsAFile_data();
     void downloadsAFile();
+    void isOnDiskWhenTheSlotIsCalled();
     void downloadsWithoutCompression();
     void needsNoMemoryForALargeFile();
     void holdsTheServerBackWhileTheApplicationIsBusy();
@@ -107,6 +109,19 @@ void TestHttpClientFiles::downloadsAFile()
     const QByteArray bytes = file.readAll();
     QCOMPARE(qint64(bytes.size()), size);
     QVERIFY(bytes.startsWith("mark") && bytes.endsWith("mark"));
+}
+
+void TestHttpClientFiles::isOnDiskWhenTheSlotIsCalled()
+{
+    QVERIFY(m_nginx.addFile("small.zip", 10, "mark"));
+    QFile file(m_folder.filePath("flushed"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    qint64 sizeOnDisk = -1;
+    ResultReceiver receiver;
+    receiver.whenCalled = [&] { sizeOnDisk = QFileInfo(file.fileName()).size(); };
+    m_client->get("/small.zip", &receiver, SLOT(queryResult(RequestPtr)), &file);
+    QTRY_COMPARE(receiver.results.size(), 1);
+    QCOMPARE(sizeOnDisk, 10LL);
 }
 
 void TestHttpClientFiles::downloadsWithoutCompression()
