@@ -52,6 +52,8 @@ ChildEnd runChild(const QStringList& arguments, const QString& folder,
     end.output = process.readAll();
     if (ended && process.exitStatus() == QProcess::NormalExit) {
         end.exitCode = process.exitCode();
+    } else if (ended) {
+        end.signal = process.exitCode();
     }
     end.arguments = readArguments(argumentsFile);
     return end;

@@ -11,6 +11,8 @@ struct ChildEnd
 {
     /** Its exit code, or -1 if a signal or the time limit ended it. */
     int exitCode = -1;
+    /** The signal that ended it, or 0. */
+    int signal = 0;
     /** What it wrote to either stream. */
     QByteArray output;
     /** The arguments of the program that took its place; empty if none did. */

@@ -15,6 +15,9 @@ namespace {
 
 const QByteArray content = QByteArray("0123456789abcdef").repeated(4096);
 
+// Long enough for a busy machine, and short enough to wait for.
+constexpr int idleTimeout = 1500;
+
 QStringList warnings;
 
 void collectWarning(QtMsgType type, const QMessageLogContext&, const QString& text)
@@ -73,6 +76,8 @@ private slots:
     void plantedPipeDoesNotBlock();
     void largeFileInTheWayIsNoSuccess();
     void fullDisk();
+    void withoutRights_data();
+    void withoutRights();
     void folderVanishesMeanwhile();
 
 private:
@@ -128,7 +133,7 @@ void DownloadFaultsTest::serverFaultsEndInFailure()
     QFETCH(int, fault);
     QFETCH(int, bytes);
     QFETCH(int, status);
-    m_engine->httpClient.setIdleTimeout(300);
+    m_engine->httpClient.setIdleTimeout(idleTimeout);
     m_road->serveFault("/camera.zip", content, static_cast<ServedReply::Fault>(fault), bytes);
     download(path("a.zip"));
     QTRY_COMPARE(m_events->list.size(), 3);
@@ -155,7 +160,7 @@ void DownloadFaultsTest::lyingLengths_data()
 void DownloadFaultsTest::lyingLengths()
 {
     QFETCH(QByteArray, length);
-    m_engine->httpClient.setIdleTimeout(500);
+    m_engine->httpClient.setIdleTimeout(idleTimeout);
     ServedReply reply;
     reply.body = content;
     reply.headers << qMakePair(QByteArray("Content-Length"), length);
@@ -282,10 +287,40 @@ void DownloadFaultsTest::fullDisk()
     QCOMPARE(warnings.join("|"), QString());
 }
 
+void DownloadFaultsTest::withoutRights_data()
+{
+    QTest::addColumn<QString>("closed");
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QByteArray>("former");
+    QTest::newRow("folder") << "folder"
+                            << "folder/new.zip" << QByteArray("<no file>");
+    QTest::newRow("file") << "folder/a.zip"
+                          << "folder/a.zip" << QByteArray(1000, 'f');
+}
+
+// The file that cannot be written is large enough, and is not the download. For the superuser
+// nothing is closed; there the download takes the file's place.
+void DownloadFaultsTest::withoutRights()
+{
+    QFETCH(QString, closed);
+    QFETCH(QString, file);
+    QFETCH(QByteArray, former);
+    writeFile(path("folder/a.zip"), QByteArray(1000, 'f'));
+    QVERIFY(QFile::setPermissions(path(closed), QFile::ReadOwner | QFile::ExeOwner));
+    const bool mayWrite = QFileInfo(path(closed)).isWritable();
+    download(path(file));
+    QTRY_COMPARE(m_events->list.size(), 3);
+    QCOMPARE(m_events->list.last(), QString(mayWrite ? "downloadSuccess" : "downloadFailure 200"));
+    QCOMPARE(contentOf(path(file)), mayWrite ? content : former);
+    QCOMPARE(warnings.join("|"), QString());
+    QVERIFY(QFile::setPermissions(path("folder"),
+                                  QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+}
+
 void DownloadFaultsTest::folderVanishesMeanwhile()
 {
     m_road->serveFault("/camera.zip", content, ServedReply::Stall, 50);
-    m_engine->httpClient.setIdleTimeout(500);
+    m_engine->httpClient.setIdleTimeout(idleTimeout);
     download(path("folder/a.zip"));
     QTRY_VERIFY(!m_events->progress.isEmpty());
     QVERIFY(QDir(path("folder")).removeRecursively());
