@@ -35,6 +35,8 @@ install(FILES
   "${PROJECT_BINARY_DIR}/SoftwareUpdateClientConfigVersion.cmake"
   DESTINATION "${package_folder}" COMPONENT Development)
 
+# Relative to the file itself, so that an installed tree can be moved.
+file(RELATIVE_PATH pkgconfig_to_prefix "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file("${PROJECT_SOURCE_DIR}/cmake/SoftwareUpdateClient.pc.in"
   "${PROJECT_BINARY_DIR}/SoftwareUpdateClient.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/SoftwareUpdateClient.pc"

@@ -1,8 +1,6 @@
 # Configures, builds and runs one consumer project from nothing. A project that builds no program
 # named "consumer" has shown all it can by then.
 file(REMOVE_RECURSE "${BUILD}")
-# The pkg-config file names the prefix that the build was configured for; the scratch tree lies
-# elsewhere, so its prefix is given as pkg-config's own relocation does it.
 set(ENV{PKG_CONFIG_PATH} "${PREFIX}/${LIBDIR}/pkgconfig")
 execute_process(COMMAND ${CMAKE_COMMAND} -S "${SOURCE}" -B "${BUILD}" -G "${GENERATOR}"
   "-DCMAKE_BUILD_TYPE=${BUILD_TYPE}" "-DCMAKE_CXX_COMPILER=${CXX_COMPILER}"
