@@ -95,7 +95,8 @@ public:
      *
      * A request ends when its answer is complete, breaks off or can't be had, when no byte came for
      * the idle timeout, when the device takes a byte less than it was given, and when the client's
-     * own buffer is full. RequestData::statusCode is then the status received, or 0.
+     * own buffer is full. RequestData::statusCode is then the status received, or 0. Of an answer
+     * that breaks off, some of the last bytes may be missing from the device.
      */
     void execute(const RequestPtr& request);
 

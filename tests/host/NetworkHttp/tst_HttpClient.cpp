@@ -1,4 +1,5 @@
 #include <QSignalSpy>
+#include <QThread>
 #include <QtTest>
 
 #include "host/NetworkHttp/HttpClient.h"
@@ -34,6 +35,8 @@ private slots:
     void handsBackTheText_data();
     void handsBackTheText();
     void handsBackRepeatedHeaders();
+    void handsBackAllOfABody_data();
+    void handsBackAllOfABody();
     void writesToTheDevice();
     void writesToTheSharedDevice();
     void throwsTheBodyAway();
@@ -300,6 +303,31 @@ void TestHttpClient::handsBackRepeatedHeaders()
     QTRY_COMPARE(receiver.results.size(), 1);
     QCOMPARE(request->responseHeader.allValues("set-cookie"),
              QStringList({"a=1; expires=Thu, 01 Jan 2032", "b=2"}));
+}
+
+void TestHttpClient::handsBackAllOfABody_data()
+{
+    QTest::addColumn<QByteArray>("header");
+    QTest::newRow("length") << QByteArray("Content-Length: 20000000\r\n\r\n");
+    QTest::newRow("no length") << QByteArray("\r\n");
+    QTest::newRow("one chunk") << QByteArray("Transfer-Encoding: chunked\r\n\r\n1312D00\r\n");
+}
+
+void TestHttpClient::handsBackAllOfABody()
+{
+    // The end of the connection is seen long before the last byte is taken.
+    QFETCH(QByteArray, header);
+    const QByteArray end = header.contains("chunked") ? "\r\n0\r\n\r\n" : "";
+    RawServer server;
+    server.setReply("HTTP/1.1 200 OK\r\n" + header + QByteArray(20000000, 'x') + end);
+    HttpClient client(server.host());
+    ResultReceiver receiver;
+    connect(&client, &HttpClient::downloadProgress, this, [] { QThread::msleep(10); });
+    const RequestPtr request =
+        client.get("/", &receiver, SLOT(queryResult(RequestPtr)), ownBuffer());
+    QTRY_COMPARE_WITH_TIMEOUT(receiver.results.size(), 1, 60000);
+    QCOMPARE(request->statusCode, 200);
+    QCOMPARE(request->getResponseBuffer()->size(), 20000000LL);
 }
 
 void TestHttpClient::writesToTheDevice()
