@@ -11,8 +11,8 @@ namespace {
 
 bool suits(const QStringSet& languages, const QString& systemLanguage)
 {
-    // Firmware that comes in English alone is meant for another market; what an English system
-    // wants carries German as well. There is no such rule for any other language.
+    // On an English system firmware must come in German as well, and English alone is foreign. No
+    // other language has such a rule, and none is to be added.
     if (systemLanguage == QLatin1String("en")) {
         return languages.contains(QStringLiteral("de")) && languages.contains(QStringLiteral("en"));
     }

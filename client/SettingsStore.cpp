@@ -55,7 +55,7 @@ SoftUpCurrentCameraVersions storedCameras(const QVariant& value)
     return cameras;
 }
 
-// Nothing is escaped: stores in use are read by other programs that split at "," and ":" alone.
+// Nothing is escaped: the form of the stores in use must not change.
 QStringList cameraItems(const SoftUpCurrentCameraVersions& cameras)
 {
     QStringList items;

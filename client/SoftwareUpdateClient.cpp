@@ -37,8 +37,8 @@ SoftwareUpdateClient::SoftwareUpdateClient(const QString& product, VersionNumber
     record.product = product;
     record.versionNumber = version;
 
-    // Only the lists are made once: each further client appends its words again. Stores already in
-    // use hold the repeats, and the readers tolerate them.
+    // Only the lists are made once: each further client of the process appends its words again. The
+    // repeats are meant to be stored, and the readers tolerate them.
     static QStringList sSUCompatiblePlatforms;
     sSUCompatiblePlatforms << QStringLiteral("Mac32") << QStringLiteral("Mac64")
                            << QStringLiteral("MacPP");

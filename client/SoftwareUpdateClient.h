@@ -224,7 +224,7 @@ private:
     QString unzipTargetPath;
     Qt::WindowFlags windowFlags;
     DownloadManager* unzipManager;
-    // Kept for the object's layout, which hosts compiled against earlier builds rely on.
+    // Part of the object's layout; no operation reads or writes them.
     QString spareTextA;
     QString spareTextB;
 };

@@ -36,7 +36,7 @@ QWidget* firstOf(QWidget* preferred, QWidget* other)
     return preferred ? preferred : other;
 }
 
-// The key is English on every system: these are the notes that every catalogue has.
+// The English ones on every system, also for the button that stands for them.
 QUrl releaseNotes(const PackageInfo& package)
 {
     return package.relNotes.value(QStringLiteral("en"));

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int noPackageAtAll = 1;
 
-// The one text of two slots, whatever the error was. Those who watch logs search for it.
+// Written by two slots and whatever the error was, on purpose: the level 1 line has the true text.
 const char requestFailedLine[] =
     "SoftwareUpdateClient::requestTimeout() -> Timeout occurred requesting update server!";
 

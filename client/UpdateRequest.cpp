@@ -32,7 +32,7 @@ void showCheckBegins(SoftwareUpdateDialog& dialog, const QDateTime& lastCheck)
 QNetworkRequest requestFor(const QUrl& url)
 {
     QNetworkRequest request(url);
-    // Sent although there is no body: servers in use tell checks from browsers by it.
+    // Part of the protocol, although there is no body.
     request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("text/xml"));
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                          QNetworkRequest::ManualRedirectPolicy);
