@@ -11,6 +11,6 @@ namespace vx {
  * table is filled anew. In the order in which the rows were met, which need not be ascending, and
  * without repeats.
  */
-typedef QList<int> SoftUpIndexList; // NOLINT(modernize-use-using): moc reads it in signatures
+typedef QList<int> SoftUpIndexList;
 
 } // namespace vx

@@ -87,6 +87,7 @@ private slots:
     void splitsTableFromComment();
     void setsUpDialog();
     void keepsForeignObjectName();
+    void takesParentAndFlags();
 };
 
 void AvailableDialogFormTest::holdsObject_data()
@@ -179,6 +180,16 @@ void AvailableDialogFormTest::keepsForeignObjectName()
     Ui_SoftwareUpdateAvailableGui form;
     form.setupUi(&dialog);
     QCOMPARE(dialog.objectName(), QString("named before"));
+}
+
+void AvailableDialogFormTest::takesParentAndFlags()
+{
+    QWidget parent;
+    const Qt::WindowFlags flags = Qt::Tool | Qt::WindowStaysOnTopHint;
+    const auto* dialog = new vx::SoftwareUpdateAvailableDialog(&parent, flags);
+    QCOMPARE(dialog->parentWidget(), &parent);
+    QCOMPARE(dialog->windowFlags() & flags, flags);
+    QCOMPARE(dialog->windowFlags() & Qt::WindowType_Mask, Qt::WindowFlags(Qt::Tool));
 }
 
 VX_TEST_MAIN(AvailableDialogFormTest)

@@ -112,6 +112,7 @@ private slots:
     void listsIntervals();
     void setsUpDialog();
     void keepsForeignObjectName();
+    void takesParentAndFlags();
     void leavesSideMarginsToTheStyle();
     void takesItsWidgetsAlong();
 };
@@ -245,6 +246,16 @@ void SettingsDialogFormTest::takesItsWidgetsAlong()
     const QPointer<QWidget> box = &child<QWidget>(*dialog, "buttonBox");
     delete dialog;
     QVERIFY(box.isNull());
+}
+
+void SettingsDialogFormTest::takesParentAndFlags()
+{
+    QWidget parent;
+    const Qt::WindowFlags flags = Qt::Tool | Qt::WindowStaysOnTopHint;
+    const auto* dialog = new vx::SoftwareUpdateDialog(&parent, flags);
+    QCOMPARE(dialog->parentWidget(), &parent);
+    QCOMPARE(dialog->windowFlags() & flags, flags);
+    QCOMPARE(dialog->windowFlags() & Qt::WindowType_Mask, Qt::WindowFlags(Qt::Tool));
 }
 
 VX_TEST_MAIN(SettingsDialogFormTest)

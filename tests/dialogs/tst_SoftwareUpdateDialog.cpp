@@ -137,7 +137,9 @@ void SoftwareUpdateDialogTest::fillsWidgets()
     QVERIFY(child<QCheckBox>(dialog, "updateCheckBox").isChecked());
     QVERIFY(child<QCheckBox>(dialog, "checkForBetaCheckBox").isChecked());
     QCOMPARE(child<QComboBox>(dialog, "updateComboBox").currentText(), QString("Weekly"));
-    QCOMPARE(child<QLineEdit>(dialog, "updateServerLineEdit").text(), sampleSettings().serverURL);
+    const auto& address = child<QLineEdit>(dialog, "updateServerLineEdit");
+    QCOMPARE(address.text(), sampleSettings().serverURL);
+    QVERIFY2(address.cursorPosition() == 0, "the host of a long address is out of sight");
     QCOMPARE(textOf(dialog, "currentVersionNumberLabel"), sampleSettings().versionText);
     QCOMPARE(textOf(dialog, "lastCheckDateLabel"), sampleSettings().lastCheckText);
     QCOMPARE(fields(dialog.getDialogSettings()), fields(sampleSettings()));
