@@ -9,7 +9,7 @@
 #include <cstring>
 #include <new>
 
-#include "host/FileFormatsZip/ArchiveFile.h"
+#include "host/FileFormatsZip/ArchiveView.h"
 #include "host/FileFormatsZip/Failure.h"
 
 namespace vx {
@@ -29,8 +29,8 @@ namespace {
 
 } // namespace
 
-ArchiveStream::ArchiveStream(const ArchiveFile& file, Reading reading)
-    : m_file(file)
+ArchiveStream::ArchiveStream(const ArchiveView& view, Reading reading)
+    : m_view(view)
     , m_buffer(static_cast<size_t>(reading))
     , m_archive(archive_read_new(), archive_read_free)
 {
@@ -38,6 +38,7 @@ ArchiveStream::ArchiveStream(const ArchiveFile& file, Reading reading)
         throw std::bad_alloc();
     }
     archive* const reader = m_archive.get();
+    // The other reader, which needs no directory, would take half a download for an archive.
     archive_read_support_format_zip_seekable(reader);
     archive_read_set_read_callback(reader, &ArchiveStream::readMore);
     archive_read_set_seek_callback(
@@ -65,7 +66,6 @@ bool ArchiveStream::next()
     if (result != ARCHIVE_OK) {
         failLike(m_archive.get());
     }
-    ++m_position;
     return true;
 }
 
@@ -95,7 +95,7 @@ bool ArchiveStream::readBlock(const char** data, size_t* size)
 ssize_t ArchiveStream::readMore(archive* reader, void* self, const void** data)
 {
     auto* const stream = static_cast<ArchiveStream*>(self);
-    const qint64 got = stream->m_file.readAt(stream->m_offset, stream->m_buffer.data(),
+    const qint64 got = stream->m_view.readAt(stream->m_offset, stream->m_buffer.data(),
                                              static_cast<qint64>(stream->m_buffer.size()));
     if (got < 0) {
         archive_set_error(reader, errno, "%s", std::strerror(errno));
@@ -111,7 +111,7 @@ qint64 ArchiveStream::seek(archive*, void* self, qint64 offset, int whence)
     auto* const stream = static_cast<ArchiveStream*>(self);
     const qint64 base = whence == SEEK_SET   ? 0
                         : whence == SEEK_CUR ? stream->m_offset
-                                             : stream->m_file.size();
+                                             : stream->m_view.size();
     if (base + offset < 0) {
         return ARCHIVE_FATAL;
     }
@@ -122,7 +122,7 @@ qint64 ArchiveStream::seek(archive*, void* self, qint64 offset, int whence)
 qint64 ArchiveStream::skip(archive*, void* self, qint64 length)
 {
     auto* const stream = static_cast<ArchiveStream*>(self);
-    const qint64 skipped = std::min(length, stream->m_file.size() - stream->m_offset);
+    const qint64 skipped = std::min(length, stream->m_view.size() - stream->m_offset);
     stream->m_offset += std::max<qint64>(skipped, 0);
     return std::max<qint64>(skipped, 0);
 }

@@ -11,32 +11,26 @@ struct archive_entry;
 
 namespace vx {
 
-class ArchiveFile;
+class ArchiveView;
 
 /**
  * Walks through the entries of an archive once, in the order of their data, by means of libarchive.
- *
- * Only the directory at the end of the archive is trusted for where entries are: without it an
- * archive counts as broken, so that half a download is never taken for a whole archive. Each object
- * belongs to one thread, which must have a Utf8Locale; several objects may read one ArchiveFile.
+ * Each object belongs to one thread, which must have a Utf8Locale.
  */
 class ArchiveStream
 {
 public:
-    /** How much is read from the file at once, in bytes. */
-    enum class Reading { Headers = 16 * 1024, Contents = 128 * 1024 };
+    /** How much is read from the file at once, in bytes: no more than stays in a core's cache. */
+    enum class Reading { Headers = 16 * 1024, Contents = 32 * 1024 };
 
-    /** @p file must outlive the stream. Throws IOException. */
-    ArchiveStream(const ArchiveFile& file, Reading reading);
+    /** @p view must outlive the stream. Throws IOException. */
+    ArchiveStream(const ArchiveView& view, Reading reading);
     ~ArchiveStream();
     ArchiveStream(const ArchiveStream&) = delete;
     ArchiveStream& operator=(const ArchiveStream&) = delete;
 
     /** Moves to the next entry. Gives false at the end, throws IOException on damage. */
     bool next();
-
-    /** Which entry the current one is, counted from 0; -1 before the first. */
-    int position() const { return m_position; }
 
     /** What libarchive says of the current entry; valid until the next move. */
     archive_entry* entry() const { return m_entry; }
@@ -55,12 +49,11 @@ private:
     static qint64 seek(archive*, void* self, qint64 offset, int whence);
     static qint64 skip(archive*, void* self, qint64 length);
 
-    const ArchiveFile& m_file;
+    const ArchiveView& m_view;
     std::vector<char> m_buffer;
     qint64 m_offset = 0;
     std::unique_ptr<archive, int (*)(archive*)> m_archive;
     archive_entry* m_entry = nullptr;
-    int m_position = -1;
 };
 
 } // namespace vx

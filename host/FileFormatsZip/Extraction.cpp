@@ -31,7 +31,7 @@ QString readable(qint64 bytes)
 
 } // namespace
 
-Extraction::Extraction(const ArchiveFile& archive, ExtractionPlan plan, const QString& targetFolder,
+Extraction::Extraction(const Archive& archive, ExtractionPlan plan, const QString& targetFolder,
                        ExtractionState& state)
     : m_archive(archive)
     , m_plan(std::move(plan))

@@ -5,7 +5,7 @@
 #include <atomic>
 #include <vector>
 
-#include "host/FileFormatsZip/ArchiveFile.h"
+#include "host/FileFormatsZip/Archive.h"
 #include "host/FileFormatsZip/ExtractionPlan.h"
 #include "host/FileFormatsZip/TargetFolder.h"
 
@@ -34,7 +34,7 @@ public:
      *
      * @param targetFolder is made, when run() begins, if it does not exist.
      */
-    Extraction(const ArchiveFile& archive, ExtractionPlan plan, const QString& targetFolder,
+    Extraction(const Archive& archive, ExtractionPlan plan, const QString& targetFolder,
                ExtractionState& state);
 
     /**
@@ -59,7 +59,7 @@ private:
     void makeLinks();
     void setFolderAttributes();
 
-    const ArchiveFile& m_archive;
+    const Archive& m_archive;
     ExtractionPlan m_plan;
     TargetFolder m_target;
     ExtractionState& m_state;

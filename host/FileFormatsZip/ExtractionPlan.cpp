@@ -97,7 +97,7 @@ void ExtractionPlan::addFolder(const ArchiveEntry& entry, const QStringList& par
 void ExtractionPlan::addFile(const ArchiveEntry& entry, int folder, const QByteArray& name)
 {
     PlannedFile file;
-    file.position = entry.position;
+    file.record = entry.record;
     file.folder = folder;
     file.name = name;
     file.size = entry.size;

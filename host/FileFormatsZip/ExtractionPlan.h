@@ -8,7 +8,7 @@
 #include <ctime>
 #include <vector>
 
-#include "host/FileFormatsZip/ArchiveIndex.h"
+#include "host/FileFormatsZip/ArchiveEntry.h"
 
 namespace vx {
 
@@ -25,8 +25,8 @@ struct PlannedFolder
 /** A file to be written. */
 struct PlannedFile
 {
-    int position = 0; ///< of its entry in the archive
-    int folder = 0;   ///< index among the planned folders
+    RecordRange record; ///< its place in the directory of the archive
+    int folder = 0;     ///< index among the planned folders
     QByteArray name;
     qint64 size = 0;
     unsigned mode = 0;

@@ -21,7 +21,7 @@ namespace {
 constexpr qint64 costPerFile = 16 * 1024;
 
 // A share is large enough that taking it costs nothing, and small enough for an even end.
-constexpr qint64 costPerShare = 1024 * 1024;
+constexpr qint64 costPerShare = 4 * 1024 * 1024;
 
 // Below this much work for each, threads cost more than they save.
 constexpr qint64 costPerThread = 4 * 1024 * 1024;
@@ -34,8 +34,8 @@ constexpr size_t mostThreads = 4;
 
 } // namespace
 
-FileWriters::FileWriters(const ArchiveFile& archive, ExtractionPlan& plan,
-                         const TargetFolder& target, ExtractionState& state)
+FileWriters::FileWriters(const Archive& archive, ExtractionPlan& plan, const TargetFolder& target,
+                         ExtractionState& state)
     : m_archive(archive)
     , m_plan(plan)
     , m_target(target)
@@ -86,16 +86,25 @@ void FileWriters::work() noexcept
 
 void FileWriters::writeShares()
 {
-    Share share = takeShare();
-    if (share.first == share.second) {
-        return;
-    }
-    ArchiveStream stream(m_archive, ArchiveStream::Reading::Contents);
     FolderCursor folders(m_target, m_plan);
-    for (; share.first != share.second; share = takeShare()) {
-        for (size_t i = share.first; i < share.second && !isStopped(); ++i) {
-            writeFile(stream, folders, m_plan.files[i]);
+    for (Share share = takeShare(); share.first != share.second; share = takeShare()) {
+        writeShare(share, folders);
+    }
+}
+
+void FileWriters::writeShare(const Share& share, FolderCursor& folders)
+{
+    std::vector<RecordRange> records;
+    for (size_t i = share.first; i < share.second; ++i) {
+        records.push_back(m_plan.files[i].record);
+    }
+    const ArchiveView view = m_archive.view(records);
+    ArchiveStream stream(view, ArchiveStream::Reading::Contents);
+    for (size_t i = share.first; i < share.second && !isStopped(); ++i) {
+        if (!stream.next()) {
+            failAsDamaged(QStringLiteral("it has changed while it was read"));
         }
+        writeFile(stream, folders, m_plan.files[i]);
     }
 }
 
@@ -114,25 +123,8 @@ FileWriters::Share FileWriters::takeShare()
     return {first, m_next};
 }
 
-/** Gives false if the job was stopped on the way. */
-bool FileWriters::moveTo(ArchiveStream& stream, int position) const
-{
-    while (stream.position() < position) {
-        if (isStopped()) {
-            return false;
-        }
-        if (!stream.next()) {
-            failAsDamaged(QStringLiteral("it has changed while it was read"));
-        }
-    }
-    return true;
-}
-
 void FileWriters::writeFile(ArchiveStream& stream, FolderCursor& folders, PlannedFile& file)
 {
-    if (!moveTo(stream, file.position)) {
-        return;
-    }
     FileWriter writer(folders.require(file.folder), file);
     if (file.size >= sizeWorthOverlap) {
         WriteBehind behind(writer);

@@ -8,7 +8,7 @@
 
 namespace vx {
 
-class ArchiveFile;
+class Archive;
 class ArchiveStream;
 class ExtractionPlan;
 class FolderCursor;
@@ -17,15 +17,14 @@ struct ExtractionState;
 struct PlannedFile;
 
 /**
- * Writes the files of a plan with as many threads as pay. Each thread walks through the archive
- * with a stream of its own and takes the next share of the files whenever it has done with one, so
- * that all end at about the same time.
+ * Writes the files of a plan with as many threads as pay. Whenever a thread has done with a share
+ * of the files, it takes the next, so that all end at about the same time.
  */
 class FileWriters
 {
 public:
     /** The references must outlive the object. The folders of @p plan must exist. */
-    FileWriters(const ArchiveFile& archive, ExtractionPlan& plan, const TargetFolder& target,
+    FileWriters(const Archive& archive, ExtractionPlan& plan, const TargetFolder& target,
                 ExtractionState& state);
 
     /**
@@ -42,13 +41,13 @@ private:
     void work() noexcept;
     void writeShares();
     Share takeShare();
-    bool moveTo(ArchiveStream& stream, int position) const;
+    void writeShare(const Share& share, FolderCursor& folders);
     void writeFile(ArchiveStream& stream, FolderCursor& folders, PlannedFile& file);
     template <typename Sink>
     bool copyContent(ArchiveStream& stream, Sink& sink);
     bool isStopped() const;
 
-    const ArchiveFile& m_archive;
+    const Archive& m_archive;
     ExtractionPlan& m_plan;
     const TargetFolder& m_target;
     ExtractionState& m_state;

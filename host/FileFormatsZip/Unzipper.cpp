@@ -5,8 +5,7 @@
 
 #include <utility>
 
-#include "host/FileFormatsZip/ArchiveFile.h"
-#include "host/FileFormatsZip/ArchiveIndex.h"
+#include "host/FileFormatsZip/Archive.h"
 #include "host/FileFormatsZip/BackgroundTask.h"
 #include "host/FileFormatsZip/Extraction.h"
 #include "host/FileFormatsZip/ExtractionPlan.h"
@@ -30,10 +29,9 @@ public:
 /** Runs on the task's thread. */
 void Unzipper::Private::unpack()
 {
-    const ArchiveFile archive(zipFile);
-    const ArchiveIndex index = readArchiveIndex(archive, state.canceled);
+    const Archive archive(zipFile, state.canceled);
     if (!state.canceled) {
-        Extraction extraction(archive, ExtractionPlan(index, flat), targetFolder, state);
+        Extraction extraction(archive, ExtractionPlan(archive.index(), flat), targetFolder, state);
         if (extraction.run()) {
             return;
         }

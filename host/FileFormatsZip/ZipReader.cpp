@@ -6,8 +6,7 @@
 #include <utility>
 
 #include "host/CoreQt/IOException.h"
-#include "host/FileFormatsZip/ArchiveFile.h"
-#include "host/FileFormatsZip/ArchiveIndex.h"
+#include "host/FileFormatsZip/Archive.h"
 #include "host/FileFormatsZip/BackgroundTask.h"
 #include "host/FileFormatsZip/Extraction.h"
 #include "host/FileFormatsZip/ExtractionPlan.h"
@@ -21,19 +20,12 @@ namespace {
 // How often the dialog is served, so that it and its cancel button feel immediate.
 constexpr int pollMilliseconds = 10;
 
-struct OpenArchive
+std::shared_ptr<const Archive> openArchive(const QString& path)
 {
-    explicit OpenArchive(const QString& path)
-        : file(path)
-    {
-        const Utf8Locale locale;
-        index = readArchiveIndex(file, never);
-    }
-
+    const Utf8Locale locale;
     const std::atomic<bool> never{false};
-    ArchiveFile file;
-    ArchiveIndex index;
-};
+    return std::make_shared<Archive>(path, never);
+}
 
 ArchiveIndex selected(const ArchiveIndex& index, const QStringList& names)
 {
@@ -56,7 +48,7 @@ class ZipReader::Private
 {
 public:
     /** Kept alive by an extraction even if the reader is opened anew or destroyed meanwhile. */
-    std::shared_ptr<const OpenArchive> archive;
+    std::shared_ptr<const Archive> archive;
     QString failure = QStringLiteral("The archive is not open.");
     bool isExtracting = false;
 };
@@ -76,7 +68,7 @@ bool ZipReader::open(QIODevice::OpenMode mode)
         return false;
     }
     try {
-        d->archive = std::make_shared<OpenArchive>(path());
+        d->archive = openArchive(path());
     } catch (const IOException& exception) {
         d->failure = exception.message();
     } catch (const std::bad_alloc&) {
@@ -94,7 +86,7 @@ QStringList ZipReader::fileList(const QRegExp& pattern) const
 {
     QStringList names;
     if (isOpen()) {
-        for (const ArchiveEntry& entry : d->archive->index) {
+        for (const ArchiveEntry& entry : d->archive->index()) {
             if (pattern.indexIn(entry.name) >= 0) {
                 names.append(entry.name);
             }
@@ -111,12 +103,12 @@ void ZipReader::extractFiles(const QStringList& names, const QString& targetFold
     if (d->isExtracting) {
         fail(QStringLiteral("The archive is being unpacked already."));
     }
-    const std::shared_ptr<const OpenArchive> archive = d->archive;
+    const std::shared_ptr<const Archive> archive = d->archive;
     ExtractionState state;
     BackgroundTask task;
     task.start([&] {
-        ExtractionPlan plan(selected(archive->index, names), flat);
-        Extraction(archive->file, std::move(plan), targetFolder, state).run();
+        ExtractionPlan plan(selected(archive->index(), names), flat);
+        Extraction(*archive, std::move(plan), targetFolder, state).run();
     });
     const QPointer<ZipReader> self(this);
     watch(task, state);

@@ -1,9 +1,8 @@
-#include "host/FileFormatsZip/ArchiveIndex.h"
+#include "host/FileFormatsZip/Archive.h"
 
 #include <archive_entry.h>
 
 #include "host/FileFormatsZip/ArchiveStream.h"
-#include "host/FileFormatsZip/CentralDirectory.h"
 #include "host/FileFormatsZip/Checksum.h"
 #include "host/FileFormatsZip/EntryName.h"
 #include "host/FileFormatsZip/Failure.h"
@@ -62,6 +61,7 @@ ArchiveEntry readEntry(const ArchiveStream& stream, const CentralDirectory& dire
     archive_entry* const raw = stream.entry();
     const DirectoryRecord& record = recordOf(directory, raw);
     ArchiveEntry entry;
+    entry.record = record.range;
     entry.name = record.name;
     entry.kind = kindOf(raw, record);
     entry.size = archive_entry_size(raw);
@@ -81,25 +81,32 @@ ArchiveEntry readEntry(const ArchiveStream& stream, const CentralDirectory& dire
 
 } // namespace
 
-ArchiveIndex readArchiveIndex(const ArchiveFile& file, const std::atomic<bool>& canceled)
+Archive::Archive(const QString& path, const std::atomic<bool>& canceled)
+    : m_file(path)
+    , m_directory(m_file)
 {
-    const CentralDirectory directory(file);
-    ArchiveIndex index;
-    index.reserve(static_cast<size_t>(directory.count()));
+    m_index.reserve(static_cast<size_t>(m_directory.count()));
     // libarchive calls an archive without entries damaged.
-    if (directory.count() == 0) {
-        return index;
+    if (m_directory.count() > 0) {
+        readIndex(canceled);
     }
-    ArchiveStream stream(file, ArchiveStream::Reading::Headers);
+}
+
+ArchiveView Archive::view(const std::vector<RecordRange>& records) const
+{
+    return {m_file, m_directory, m_directory.bytesOf(records), static_cast<int>(records.size())};
+}
+
+void Archive::readIndex(const std::atomic<bool>& canceled)
+{
+    const ArchiveView all(m_file, m_directory, m_directory.bytes(), m_directory.count());
+    ArchiveStream stream(all, ArchiveStream::Reading::Headers);
     while (!canceled && stream.next()) {
-        ArchiveEntry entry = readEntry(stream, directory);
-        entry.position = static_cast<int>(index.size());
-        index.push_back(entry);
+        m_index.push_back(readEntry(stream, m_directory));
     }
-    if (!canceled && index.size() != static_cast<size_t>(directory.count())) {
+    if (!canceled && m_index.size() != static_cast<size_t>(m_directory.count())) {
         failAsDamaged(QStringLiteral("its directory and its entries disagree about their number"));
     }
-    return index;
 }
 
 } // namespace vx
