@@ -27,22 +27,28 @@ quintptr inUnits(const QString& text, int shift)
     return truncated(text.chopped(2).toDouble()) << shift;
 }
 
-QString sectionFromEnd(const QString& name, int section)
+/** Takes the last section between dots off the end of @p name. Empty sections do not count. */
+QStringRef takeLastSection(QStringRef& name)
 {
-    return name.section(QLatin1Char('.'), -section, -section, QString::SectionSkipEmpty);
+    while (name.endsWith(QLatin1Char('.'))) {
+        name.chop(1);
+    }
+    const QStringRef section = name.mid(name.lastIndexOf(QLatin1Char('.')) + 1);
+    name.chop(section.length());
+    return section;
 }
 
 /** The suffix that the last two sections make together, or the last alone. */
-QString compoundSuffix(const QString& last, const QString& beforeIt)
+QString compoundSuffix(const QStringRef& last, const QStringRef& beforeIt)
 {
     if (last == QLatin1String("zip") && beforeIt == QLatin1String("mpkg")) {
-        return beforeIt;
+        return beforeIt.toString();
     }
-    const bool compressed = last == QLatin1String("gz") || last == QLatin1String("bz2");
-    if (compressed && beforeIt == QLatin1String("tar")) {
+    const bool isCompressed = last == QLatin1String("gz") || last == QLatin1String("bz2");
+    if (isCompressed && beforeIt == QLatin1String("tar")) {
         return beforeIt + QLatin1Char('.') + last;
     }
-    return last;
+    return last.toString();
 }
 
 /** The number that @p count digits from @p from on make, or -1 if there is anything else. */
@@ -127,7 +133,9 @@ QDateTime DownloadManager::parseReleaseDate(const QString& text)
 
 QString DownloadManager::parsePackageSuffix(const QString& name)
 {
-    const QString suffix = compoundSuffix(sectionFromEnd(name, 1), sectionFromEnd(name, 2));
+    QStringRef rest(&name);
+    const QStringRef last = takeLastSection(rest);
+    const QString suffix = compoundSuffix(last, takeLastSection(rest));
     if (suffix.length() < shortestUsualSuffix || suffix.length() > longestUsualSuffix) {
         // The line names another operation; whoever searches logs for it relies on that.
         logLine(3, QLatin1String("DownloadManager::parsePackageType() -> parsed suspicious package "

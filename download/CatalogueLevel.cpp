@@ -32,7 +32,8 @@ void addAll(QStringSet& target, const QStringSet& more)
 } // namespace
 
 CatalogueLevel::CatalogueLevel(const QDomNode& node, CatalogueLevel* outer, ReadingBudget& budget)
-    : m_element(node.toElement())
+    : m_attributes(node.attributes())
+    , m_hasAttributes(!m_attributes.isEmpty())
     , m_outer(outer)
     , m_budget(budget)
 {
@@ -67,8 +68,11 @@ const QVector<QDomElement>& CatalogueLevel::elements(CatalogueField field) const
 
 std::optional<QString> CatalogueLevel::attribute(CatalogueField field) const
 {
-    if (m_element.hasAttribute(tagOf(field))) {
-        return m_element.attribute(tagOf(field));
+    if (m_hasAttributes) {
+        const QDomNode found = m_attributes.namedItem(tagOf(field));
+        if (!found.isNull()) {
+            return found.nodeValue();
+        }
     }
     return std::nullopt;
 }
@@ -95,12 +99,13 @@ const QStringSet& CatalogueLevel::wordsFromHere(CatalogueField field)
     std::optional<QStringSet>& words = m_words[field - firstGatheredField];
     if (!words) {
         words = ownWords(field);
-        const QStringSet inherited =
-            m_outer != nullptr ? m_outer->wordsFromHere(field) : QStringSet();
-        if (!words->isEmpty()) {
-            m_budget.spend((words->size() + inherited.size()) * ReadingBudget::entry);
+        if (m_outer != nullptr) {
+            const QStringSet& inherited = m_outer->wordsFromHere(field);
+            if (!words->isEmpty()) {
+                m_budget.spend(inherited.size() * ReadingBudget::entry);
+            }
+            addAll(*words, inherited);
         }
-        addAll(*words, inherited);
     }
     return *words;
 }

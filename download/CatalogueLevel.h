@@ -5,6 +5,7 @@
 #include <QUrl>
 #include <QVector>
 #include <QtXml/QDomElement>
+#include <QtXml/QDomNamedNodeMap>
 #include <QtXml/QDomNode>
 
 #include <array>
@@ -65,7 +66,8 @@ private:
     QString valueFor(const QDomElement& urlElement, CatalogueField field);
     QString languageOfAttribute();
 
-    QDomElement m_element; ///< null for a document
+    QDomNamedNodeMap m_attributes;
+    bool m_hasAttributes;
     CatalogueLevel* m_outer;
     ReadingBudget& m_budget;
     QDomElement m_file;

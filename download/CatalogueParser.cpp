@@ -54,9 +54,8 @@ void readSet(const QDomElement& elm, CatalogueLevel& set, ReadingBudget& budget,
 {
     for (QDomElement package = elm.firstChildElement(DownloadManager::PACKAGE); !package.isNull();
          package = package.nextSiblingElement(DownloadManager::PACKAGE)) {
-        PackageInfo info;
-        readPackage(package, &set, budget, info);
-        result.append(info);
+        result.append(PackageInfo());
+        readPackage(package, &set, budget, result.last());
     }
     for (QDomElement nested = elm.firstChildElement(DownloadManager::PACKAGE_SET); !nested.isNull();
          nested = nested.nextSiblingElement(DownloadManager::PACKAGE_SET)) {

@@ -1,10 +1,14 @@
 #include "tests/download/PlainClimb.h"
 
+#include <QBuffer>
 #include <QDebug>
+#include <QScopedPointer>
 #include <QtXml/QDomDocument>
 
 #include "download/DownloadManager.h"
 #include "host/CoreQt/DeprecatedQt.h"
+#include "host/CoreQt/ParseException.h"
+#include "host/FileFormatsXml/XmlUtils.h"
 
 namespace vx::test {
 
@@ -148,10 +152,15 @@ void PlainClimb::parseSet(const QDomElement& elm, PackageInfoList& result)
 
 PackageInfoList PlainClimb::parse(const QByteArray& document)
 {
-    QDomDocument tree;
+    QBuffer device;
+    device.setData(document);
+    device.open(QIODevice::ReadOnly);
     PackageInfoList packages;
-    if (tree.setContent(document)) {
-        parseSet(tree.documentElement(), packages);
+    try {
+        const QScopedPointer<QDomDocument> tree(XmlUtils::parseXml(&device, nullptr));
+        parseSet(tree->documentElement(), packages);
+    } catch (const ParseException&) {
+        packages.clear();
     }
     return packages;
 }

@@ -18,7 +18,7 @@ int findAllTranslatedUrls(const QDomNode& elm, const QString& tagname, UrlMap& r
 void parsePackage(const QDomElement& elm, PackageInfo& info);
 void parseSet(const QDomElement& elm, PackageInfoList& result);
 
-/** Reads a document; one that is not well-formed has no packages. */
+/** Reads a document; one that XmlUtils refuses has no packages. */
 PackageInfoList parse(const QByteArray& document);
 
 } // namespace PlainClimb
