@@ -31,8 +31,8 @@ void installArgumentWriter(const QString& path)
     QVERIFY(QFile::copy(QStringLiteral(VX_ARGUMENT_WRITER), path));
 }
 
-ChildEnd runChild(const QStringList& arguments, const QString& folder,
-                  const QMap<QString, QString>& variables)
+ChildEnd runProgram(const QString& program, const QStringList& arguments, const QString& folder,
+                    const QMap<QString, QString>& variables)
 {
     const QTemporaryDir report;
     const QString argumentsFile = report.filePath(QStringLiteral("arguments"));
@@ -45,8 +45,7 @@ ChildEnd runChild(const QStringList& arguments, const QString& folder,
     process.setProcessEnvironment(environment);
     process.setWorkingDirectory(folder);
     process.setProcessChannelMode(QProcess::MergedChannels);
-    process.start(QCoreApplication::applicationFilePath(),
-                  QStringList(QLatin1String(childMark)) + arguments);
+    process.start(program, arguments);
     const bool ended = process.waitForFinished(60000);
     ChildEnd end;
     end.output = process.readAll();
@@ -57,6 +56,13 @@ ChildEnd runChild(const QStringList& arguments, const QString& folder,
     }
     end.arguments = readArguments(argumentsFile);
     return end;
+}
+
+ChildEnd runChild(const QStringList& arguments, const QString& folder,
+                  const QMap<QString, QString>& variables)
+{
+    return runProgram(QCoreApplication::applicationFilePath(),
+                      QStringList(QLatin1String(childMark)) + arguments, folder, variables);
 }
 
 bool isChild(int argc, char** argv)

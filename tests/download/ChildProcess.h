@@ -23,11 +23,17 @@ struct ChildEnd
 void installArgumentWriter(const QString& path);
 
 /**
+ * Runs @p program in @p folder until it ends.
+ *
+ * @param variables added to its environment.
+ */
+ChildEnd runProgram(const QString& program, const QStringList& arguments, const QString& folder,
+                    const QMap<QString, QString>& variables = {});
+
+/**
  * Runs this test program again as a child, to see what becomes of a process that is replaced.
  *
- * @param arguments given to runAsChild() in the child.
- * @param folder    the child's working folder.
- * @param variables added to the child's environment.
+ * @param arguments what childArguments() gives in the child.
  */
 ChildEnd runChild(const QStringList& arguments, const QString& folder,
                   const QMap<QString, QString>& variables = {});

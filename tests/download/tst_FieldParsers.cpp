@@ -65,6 +65,7 @@ class tst_FieldParsers : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase();
     void fileSize_data();
     void fileSize();
     void hostileFileSize_data();
@@ -78,7 +79,14 @@ private slots:
     void suffix_data();
     void suffix();
     void suspiciousSuffixIsLoggedWhole();
+    void suffixAgreesWithQtSections();
 };
+
+void tst_FieldParsers::initTestCase()
+{
+    // For suffixes that are tried by the thousand. LogCapture still sees all.
+    vx::Log::instance().setLogLevel(4);
+}
 
 void tst_FieldParsers::fileSize_data()
 {
@@ -301,6 +309,20 @@ void tst_FieldParsers::suspiciousSuffixIsLoggedWhole()
     DownloadManager::parsePackageSuffix("http://host/a.gz");
     QVERIFY(log.contains(3, "DownloadManager::parsePackageType() -> parsed suspicious package "
                             "suffix 'gz' in http://host/a.gz"));
+}
+
+void tst_FieldParsers::suffixAgreesWithQtSections()
+{
+    // Every text of up to seven characters of these three; none of them makes a compound suffix.
+    const QString alphabet = "a.b";
+    for (int number = 0; number < 2187; ++number) {
+        QString text;
+        for (int rest = number; rest > 0; rest /= 3) {
+            text += alphabet.at(rest % 3);
+        }
+        QCOMPARE(DownloadManager::parsePackageSuffix(text),
+                 text.section('.', -1, -1, QString::SectionSkipEmpty));
+    }
 }
 
 VX_TEST_MAIN(tst_FieldParsers)
