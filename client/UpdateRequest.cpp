@@ -29,6 +29,16 @@ void showCheckBegins(SoftwareUpdateDialog& dialog, const QDateTime& lastCheck)
     dialog.setDialogSettings(shown);
 }
 
+// Without a parent: a client that is destroyed during a check leaves it behind.
+QNetworkAccessManager* newRequestManager(SoftwareUpdateClient* client)
+{
+    auto* manager = new QNetworkAccessManager;
+    manager->setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);
+    QObject::connect(manager, SIGNAL(finished(QNetworkReply*)), client,
+                     SLOT(evaluateServerResponse(QNetworkReply*)));
+    return manager;
+}
+
 QNetworkRequest requestFor(const QUrl& url)
 {
     QNetworkRequest request(url);
@@ -61,10 +71,7 @@ void SoftwareUpdateClient::performUpdateCheck(const QUrl& url)
     logLine(1, QStringLiteral("SoftwareUpdateClient::performUpdateCheck() -> ") +
                    url.toString(QUrl::RemovePassword));
     if (!networkManager) {
-        networkManager = new QNetworkAccessManager;
-        networkManager->setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);
-        QObject::connect(networkManager, SIGNAL(finished(QNetworkReply*)), this,
-                         SLOT(evaluateServerResponse(QNetworkReply*)));
+        networkManager = newRequestManager(this);
     }
     networkManager->setProxy(networkProxy());
     stopAboveLargestAnswer(networkManager->get(requestFor(url)));

@@ -20,7 +20,9 @@ bool oneBeginsTheOther(const QString& a, const QString& b)
 
 } // namespace
 
-const QRegExp StringUtils::splitWords(QStringLiteral("[\\s,;]+"));
+// Not QStringLiteral: Qt keeps the pattern in a cache until the process ends, when this library and
+// its literals may have been unloaded.
+const QRegExp StringUtils::splitWords(QString::fromLatin1("[\\s,;]+"));
 
 QStringSet StringUtils::splitStringSet(const QString& text, const QRegExp& separator,
                                        QString::SplitBehavior behavior)
