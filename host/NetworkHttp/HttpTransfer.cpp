@@ -85,6 +85,9 @@ HttpTransfer::HttpTransfer(const RequestPtr& request, int idleTimeout)
     m_idle.setSingleShot(true);
     m_idle.setInterval(idleTimeout);
     connect(&m_idle, SIGNAL(timeout()), this, SLOT(end()));
+    m_lateReport.setSingleShot(true);
+    m_lateReport.setInterval(ProgressMeter::interval);
+    connect(&m_lateReport, SIGNAL(timeout()), this, SLOT(reportLate()));
     m_manager.setProxy(networkProxyOf(m_request->m_plan->host));
     connect(&m_manager, SIGNAL(proxyAuthenticationRequired(QNetworkProxy, QAuthenticator*)), this,
             SLOT(answerProxy(QNetworkProxy, QAuthenticator*)));
@@ -176,6 +179,8 @@ void HttpTransfer::moveBody()
         end();
     } else if (m_meter.isDue()) {
         reportProgress();
+    } else if (!m_lateReport.isActive()) {
+        m_lateReport.start();
     }
 }
 
@@ -185,8 +190,16 @@ bool HttpTransfer::moveChunk()
     return size >= 0 && m_writer.write(m_chunk.constData(), size);
 }
 
+// If nothing more comes for a while, what has come is shown all the same.
+void HttpTransfer::reportLate()
+{
+    m_meter.isDue();
+    reportProgress();
+}
+
 void HttpTransfer::reportProgress()
 {
+    m_lateReport.stop();
     const Progress progress = scaledProgress(m_writer.written(), m_total);
     emit progressed(progress.done, progress.total);
 }
@@ -209,6 +222,7 @@ void HttpTransfer::cancel()
 {
     m_hasEnded = true;
     m_idle.stop();
+    m_lateReport.stop();
     dropReply();
     if (m_writer.hasLostDevice()) {
         m_request->responseDevice = nullptr;

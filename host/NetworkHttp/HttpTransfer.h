@@ -59,6 +59,7 @@ signals:
 private slots:
     void proceed();
     void end();
+    void reportLate();
     void answerProxy(const QNetworkProxy& proxy, QAuthenticator* authenticator);
     void answerServer(QNetworkReply* reply, QAuthenticator* authenticator);
 
@@ -76,6 +77,7 @@ private:
     QTimer m_idle;
     BodyWriter m_writer;
     ProgressMeter m_meter;
+    QTimer m_lateReport;
     QByteArray m_chunk;
     qint64 m_total = 0;
     bool m_hasEnded = false;

@@ -21,6 +21,7 @@ private slots:
     void scalesPastTwoGib();
     void growsSteadily();
     void isRaisedNowAndThenOnly();
+    void showsAllBeforeAPause();
     void allowsEventsInItsSlot();
     void startsAnewAfterARedirect();
 };
@@ -132,6 +133,23 @@ void TestHttpClientProgress::isRaisedNowAndThenOnly()
     // One at the first byte and one at the end come on top of one in 20 ms.
     QVERIFY(progress.count() <= clock.elapsed() / 20 + 2);
     QCOMPARE(progress.last().at(0).toInt(), 300);
+}
+
+void TestHttpClientProgress::showsAllBeforeAPause()
+{
+    RawServer server;
+    server.setScript([](QTcpSocket* socket, const QByteArray&) {
+        socket->write("HTTP/1.1 200 OK\r\nContent-Length: 300\r\n\r\n");
+        socket->write(QByteArray(100, 'x'));
+        // Soon enough to fall into the time in which no report is due.
+        QTimer::singleShot(5, socket, [socket] { socket->write(QByteArray(199, 'x')); });
+    });
+    HttpClient client(server.host());
+    ResultReceiver receiver;
+    QSignalSpy progress(&client, SIGNAL(downloadProgress(int, int)));
+    client.get("/", &receiver, SLOT(queryResult(RequestPtr)), ownBuffer());
+    QTRY_VERIFY(!progress.isEmpty() && progress.last().at(0).toInt() == 299);
+    QCOMPARE(receiver.results.size(), 0);
 }
 
 void TestHttpClientProgress::allowsEventsInItsSlot()
