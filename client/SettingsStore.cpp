@@ -1,6 +1,7 @@
 #include "client/SoftwareUpdateClient.h"
 
 #include <QCoreApplication>
+#include <QTimeZone>
 #include <QVariant>
 
 #include <memory>
@@ -22,6 +23,30 @@ std::unique_ptr<QSettings> openStore()
         SoftwareUpdateClient::sSoftUpQSettingsFormat, SoftwareUpdateClient::sSoftUpQSettingsScope,
         textOr(QCoreApplication::organizationName(), QStringLiteral("Veldrix")),
         textOr(QCoreApplication::applicationName(), QStringLiteral("softwareUpdate")));
+}
+
+/** A time that a damaged store can give, and that Qt crashes on when it writes the store. */
+bool isUnwritable(const QDateTime& time)
+{
+    return time.timeSpec() == Qt::TimeZone && !time.timeZone().isValid();
+}
+
+// Qt writes a whole file at once, so that one such value of any part of the application would do.
+void removeUnwritableTimes(QSettings& store)
+{
+    const QStringList keys = store.allKeys();
+    for (const QString& key : keys) {
+        const QVariant value = store.value(key);
+        if (value.type() == QVariant::DateTime && isUnwritable(value.toDateTime())) {
+            store.remove(key);
+        }
+    }
+}
+
+QDateTime storedTime(const QVariant& value)
+{
+    const QDateTime time = value.toDateTime();
+    return isUnwritable(time) ? QDateTime() : time;
 }
 
 bool flagOr(const QVariant& value, bool fallback)
@@ -91,7 +116,7 @@ void SoftwareUpdateClient::getCurrentSettings(SoftwareUpdateSettings* record)
     record->serverURL = store->value(sSoftUpSettingsUpdateServerURLKey).toString();
     record->versionNumber = storedVersion(store->value(sSoftUpSettingsVersionNumberKey));
     record->product = store->value(sSoftUpSettingsProductKey).toString();
-    record->lastCheck = store->value(sSoftUpLastCheckKey).toDateTime();
+    record->lastCheck = storedTime(store->value(sSoftUpLastCheckKey));
     record->supportedPlatforms = storedList(store->value(sSoftUpSupportedPlatformsKey));
     record->supportedPackageTypes = storedList(store->value(sSoftUpSupportedPackageTypeKey));
     record->installablePackageTypes = storedList(store->value(sSoftUpInstallablePackageTypeKey));
@@ -101,6 +126,7 @@ void SoftwareUpdateClient::getCurrentSettings(SoftwareUpdateSettings* record)
 void SoftwareUpdateClient::setCurrentSettings(const SoftwareUpdateSettings* record)
 {
     const auto store = openStore();
+    removeUnwritableTimes(*store);
     store->setValue(sSoftUpSettingsDoUpdateCheckKey, record->doUpdateCheck);
     store->setValue(sSoftUpSettingsCheckForBetaKey, record->checkForBeta);
     store->setValue(sSoftUpSettingsIntervalKey, record->updateInterval);
