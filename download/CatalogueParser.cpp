@@ -64,14 +64,32 @@ void readSet(const QDomElement& elm, CatalogueLevel& set, ReadingBudget& budget,
     }
 }
 
+void readSetAndItsSurroundings(const QDomElement& elm, ReadingBudget& budget,
+                               PackageInfoList& result)
+{
+    std::list<CatalogueLevel> levels = levelsDownTo(elm, budget);
+    if (!levels.empty()) {
+        readSet(elm, levels.back(), budget, result);
+    }
+}
+
+bool isEmptyDocument(QIODevice* device)
+{
+    return device != nullptr && device->isReadable() && device->peek(1).isEmpty();
+}
+
 } // namespace
 
 PackageInfoList DownloadManager::parseXML(QIODevice* device)
 {
+    if (isEmptyDocument(device)) {
+        return {};
+    }
     try {
         PackageInfoList packages;
         const std::unique_ptr<QDomDocument> document(XmlUtils::parseXml(device, nullptr));
-        parseSet(document->documentElement(), packages);
+        ReadingBudget budget(ReadingBudget::maximum);
+        readSetAndItsSurroundings(document->documentElement(), budget, packages);
         return packages;
     } catch (const ParseException&) {
         // To a caller a broken document is the same as one without packages.
@@ -83,10 +101,7 @@ PackageInfoList DownloadManager::parseXML(QIODevice* device)
 void DownloadManager::parseSet(const QDomElement& elm, PackageInfoList& result)
 {
     ReadingBudget budget;
-    std::list<CatalogueLevel> levels = levelsDownTo(elm, budget);
-    if (!levels.empty()) {
-        readSet(elm, levels.back(), budget, result);
-    }
+    readSetAndItsSurroundings(elm, budget, result);
 }
 
 void DownloadManager::parsePackage(const QDomElement& elm, PackageInfo& info)

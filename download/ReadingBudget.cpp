@@ -7,7 +7,7 @@ namespace vx {
 void ReadingBudget::spend(qint64 characters)
 {
     m_spent += characters;
-    if (m_spent > maximum) {
+    if (m_spent > m_limit) {
         throw ParseException(QStringLiteral("the packages inherit too much"));
     }
 }

@@ -2,6 +2,8 @@
 
 #include <QtGlobal>
 
+#include <limits>
+
 namespace vx {
 
 /**
@@ -17,14 +19,19 @@ public:
     /** What the packages of one catalogue may take together, in characters. */
     static constexpr qint64 maximum = 64 * 1024 * 1024;
 
+    /** @param limit what may be spent; without one as much as there is. */
+    explicit ReadingBudget(qint64 limit = std::numeric_limits<qint64>::max())
+        : m_limit(limit)
+    {}
+
     /** What one word or URL in a record counts, whatever its length: the record's own overhead. */
     static constexpr qint64 entry = 16;
 
-    /** Notes that so much more was read. @throws ParseException when it is more than the maximum.
-     */
+    /** Notes that so much more was read. @throws ParseException when it is more than the limit. */
     void spend(qint64 characters);
 
 private:
+    qint64 m_limit;
     qint64 m_spent = 0;
 };
 

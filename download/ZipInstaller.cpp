@@ -37,9 +37,11 @@ bool unpackAll(const QString& installerFile, const QString& folder)
     return !reader.wasCanceled();
 }
 
-bool unpackOrTell(const QString& installerFile, const QString& folder)
+/** @param folder becomes the folder with what was unpacked. */
+bool unpackOrTell(const QString& installerFile, QString& folder)
 {
     try {
+        folder = FileUtils::createTempDir();
         return unpackAll(installerFile, folder);
     } catch (const IOException& failure) {
         QMessageBox::critical(nullptr, QStringLiteral("Unpacking failed"), failure.message(),
@@ -76,7 +78,7 @@ try {
     if (!askForInstallPath(installPath, installerFile)) {
         return;
     }
-    const QString folder = FileUtils::createTempDir();
+    QString folder;
     if (!unpackOrTell(installerFile, folder)) {
         return;
     }
