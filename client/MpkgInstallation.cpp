@@ -22,7 +22,7 @@ QFileInfoList installerBundlesIn(const QString& folder)
     // Bundles are folders; a plain file of that name is none.
     return QDir(folder).entryInfoList(
         {QStringLiteral("*.mpkg")},
-        QDir::Dirs | QDir::NoSymLinks | QDir::Readable | QDir::NoDotAndDotDot, QDir::NoSort);
+        QDir::Dirs | QDir::NoSymLinks | QDir::Readable | QDir::NoDotAndDotDot, QDir::Unsorted);
 }
 
 } // namespace

@@ -84,8 +84,7 @@ void SoftwareUpdateClient::installPackage(int itemIndex)
     const PackageInfo package = packageList.value(itemIndex);
     downloadFilePath = FileUtils::createTempDir() + QLatin1Char('/') + fileNameIn(package.url);
     logLine(1, QStringLiteral("SoftwareUpdateClient::downloadPackage() -> ") +
-                   package.url.toString(QUrl::RemovePassword) + QStringLiteral(" to ") +
-                   downloadFilePath);
+                   package.url.toString() + QStringLiteral(" to ") + downloadFilePath);
     // With a dialog there already, the new download runs unobserved.
     if (!progressDialog) {
         progressDialog = new QProgressDialog(updateAvailableDialog, windowFlags);

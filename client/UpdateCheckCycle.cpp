@@ -4,6 +4,7 @@
 #include <QTimer>
 #include <QUrl>
 
+#include "client/AnswerLimit.h"
 #include "dialogs/SoftwareUpdateDialog.h"
 #include "package/LogLine.h"
 
@@ -57,8 +58,7 @@ void SoftwareUpdateClient::evaluateServerResponse(QNetworkReply* reply)
         // Without a target the attribute is there all the same and holds an empty URL.
         const QUrl target = reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl();
         if (!target.isEmpty()) {
-            logFromEvaluation(1, QStringLiteral("redirect url ") +
-                                     target.toString(QUrl::RemovePassword));
+            logFromEvaluation(1, QStringLiteral("redirect url ") + target.toString());
             performUpdateCheck(target);
             return;
         }
@@ -67,7 +67,7 @@ void SoftwareUpdateClient::evaluateServerResponse(QNetworkReply* reply)
     if (updateDialog) {
         updateDialog->disbaleProgress();
     }
-    if (reply->error() != QNetworkReply::NoError) {
+    if (reply->error() != QNetworkReply::NoError && !wasTooLong(*reply)) {
         requestError(reply->errorString());
         logFromEvaluation(1, QStringLiteral("reply->errorString(): ") + reply->errorString());
         return;

@@ -6,6 +6,7 @@
 #include <QTimer>
 #include <QUrl>
 
+#include "client/AnswerLimit.h"
 #include "dialogs/SoftwareUpdateDialog.h"
 #include "host/CoreQt/DeprecatedQt.h"
 #include "host/NodeDB/NodeDB.h"
@@ -16,9 +17,6 @@ namespace vx {
 namespace {
 
 constexpr int requestTimeoutInterval = 15000; // milliseconds
-
-// The parser refuses longer documents, so that there is no use in holding more of one in memory.
-constexpr qint64 largestAnswer = 64 * 1024 * 1024; // bytes
 
 void showCheckBegins(SoftwareUpdateDialog& dialog, const QDateTime& lastCheck)
 {
@@ -49,15 +47,6 @@ QNetworkRequest requestFor(const QUrl& url)
     return request;
 }
 
-void stopAboveLargestAnswer(QNetworkReply* reply)
-{
-    QObject::connect(reply, &QNetworkReply::readyRead, reply, [reply] {
-        if (reply->bytesAvailable() > largestAnswer) {
-            reply->abort();
-        }
-    });
-}
-
 } // namespace
 
 void SoftwareUpdateClient::performUpdateCheck(const QUrl& url)
@@ -68,8 +57,7 @@ void SoftwareUpdateClient::performUpdateCheck(const QUrl& url)
         getCurrentSettings(&record);
         showCheckBegins(*updateDialog, record.lastCheck);
     }
-    logLine(1, QStringLiteral("SoftwareUpdateClient::performUpdateCheck() -> ") +
-                   url.toString(QUrl::RemovePassword));
+    logLine(1, QStringLiteral("SoftwareUpdateClient::performUpdateCheck() -> ") + url.toString());
     if (!networkManager) {
         networkManager = newRequestManager(this);
     }
