@@ -50,13 +50,15 @@ void makeRoomForTexts(QDialog& dialog)
     dialog.resize(dialog.width(), std::max(dialog.height(), neededHeight));
 }
 
-// Strings beyond the first row's have no cell: the table would take them for cells of the next row.
+// The first row says how many columns there are. The table takes what a later row has beyond them
+// for the next row; beyond its last cell it would take nothing, and lose the item.
 void fillTable(QTableWidget& table, const QList<QStringList>& entries)
 {
-    const int columns = table.columnCount();
+    const int cells = table.rowCount() * table.columnCount();
     for (int row = 0; row < entries.size(); ++row) {
         const QStringList& texts = entries.at(row);
-        for (int column = 0; column < std::min(columns, texts.size()); ++column) {
+        const int cellsLeft = cells - row * table.columnCount();
+        for (int column = 0; column < std::min(cellsLeft, texts.size()); ++column) {
             table.setItem(row, column, new QTableWidgetItem(texts.at(column)));
         }
     }

@@ -199,7 +199,7 @@ void AvailableDialogTableTest::takesRaggedRows_data()
     QTest::newRow("short second row") << Rows{{"a", "b"}, {"c"}} << Rows{{"a", "b"}, {"c", ""}};
     QTest::newRow("long last row") << Rows{{"a"}, {"b", "c", "d"}} << Rows{{"a"}, {"b"}};
     QTest::newRow("long row before a short one")
-        << Rows{{"a", "b"}, {"c", "d", "e"}, {}} << Rows{{"a", "b"}, {"c", "d"}, {"", ""}};
+        << Rows{{"a", "b"}, {"c", "d", "e"}, {}} << Rows{{"a", "b"}, {"c", "d"}, {"e", ""}};
     QTest::newRow("first row without strings") << Rows{{}, {"a"}} << Rows{{}, {}};
 }
 
