@@ -2,15 +2,11 @@
 
 #include "client/SoftwareUpdateConstants.h"
 #include "download/DownloadManager.h"
+#include "package/ReleaseNumber.h"
 
 namespace vx {
 
 namespace {
-
-QString textOf(const VersionNumber& version)
-{
-    return QString::fromStdString(version.toString());
-}
 
 // With beta versions wanted no status is required, which lets stable ones pass as well.
 QString requiredStatus(const OfferCriteria& criteria)
@@ -35,14 +31,14 @@ PackageInfo applicationFilter(const OfferCriteria& criteria)
 {
     const QStringSet platforms(criteria.supportedPlatforms.begin(),
                                criteria.supportedPlatforms.end());
-    return PackageInfo(QString(), criteria.applicationName, textOf(criteria.versionNumber),
+    return PackageInfo(QString(), criteria.applicationName, releaseText(criteria.versionNumber),
                        requiredStatus(criteria), QDateTime(), platforms, QStringSet(), QString(),
                        QString());
 }
 
 PackageInfo cameraFilter(const QPair<QString, VersionNumber>& camera, const OfferCriteria& criteria)
 {
-    return PackageInfo(QString(), QString(), textOf(camera.second), requiredStatus(criteria),
+    return PackageInfo(QString(), QString(), releaseText(camera.second), requiredStatus(criteria),
                        QDateTime(), QStringSet{camera.first}, QStringSet(), QString(), QString());
 }
 

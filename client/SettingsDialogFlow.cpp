@@ -29,7 +29,7 @@ SoftwareUpdateDialogSettings dialogSettingsOf(const SoftwareUpdateSettings& reco
     shown.checkForBeta = record.checkForBeta;
     shown.updateInterval = record.updateInterval;
     shown.serverURL = record.serverURL;
-    shown.versionText = QString::fromStdString(record.versionNumber.toShortVersion());
+    shown.versionText = QString::fromLatin1(record.versionNumber.toShortVersion().c_str());
     shown.lastCheckText = longDateText(record.lastCheck);
     return shown;
 }

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "client/SoftwareUpdateConstants.h"
+#include "package/ReleaseNumber.h"
 
 namespace vx {
 
@@ -54,14 +55,9 @@ bool flagOr(const QVariant& value, bool fallback)
     return value.toString().isEmpty() ? fallback : value.toBool();
 }
 
-VersionNumber versionFromText(const QString& text)
-{
-    return VersionNumber(text.toLatin1().toStdString());
-}
-
 VersionNumber storedVersion(const QVariant& value)
 {
-    return value.isNull() ? VersionNumber("0") : versionFromText(value.toString());
+    return value.isNull() ? VersionNumber("0") : releaseNumber(value.toString());
 }
 
 QStringList storedList(const QVariant& value)
@@ -75,7 +71,7 @@ SoftUpCurrentCameraVersions storedCameras(const QVariant& value)
     const QStringList items = storedList(value);
     for (const QString& item : items) {
         cameras.append(qMakePair(item.section(QLatin1Char(':'), 0, 0),
-                                 versionFromText(item.section(QLatin1Char(':'), 1, 1))));
+                                 releaseNumber(item.section(QLatin1Char(':'), 1, 1))));
     }
     return cameras;
 }
@@ -85,7 +81,7 @@ QStringList cameraItems(const SoftUpCurrentCameraVersions& cameras)
 {
     QStringList items;
     for (const auto& camera : cameras) {
-        items << camera.first + QLatin1Char(':') + QString::fromStdString(camera.second.toString());
+        items << camera.first + QLatin1Char(':') + releaseText(camera.second);
     }
     return items;
 }
@@ -132,8 +128,7 @@ void SoftwareUpdateClient::setCurrentSettings(const SoftwareUpdateSettings* reco
     store->setValue(sSoftUpSettingsIntervalKey, record->updateInterval);
     writeText(*store, sSoftUpSettingsUpdateServerURLKey, record->serverURL);
     if (record->versionNumber != VersionNumber()) {
-        store->setValue(sSoftUpSettingsVersionNumberKey,
-                        QString::fromStdString(record->versionNumber.toString()));
+        store->setValue(sSoftUpSettingsVersionNumberKey, releaseText(record->versionNumber));
     }
     writeText(*store, sSoftUpSettingsProductKey, record->product);
     if (!record->lastCheck.isNull()) {

@@ -2,6 +2,7 @@
 
 #include <QRegularExpression>
 
+#include "package/ReleaseNumber.h"
 #include "tools/update-catalogue/Command.h"
 
 namespace vx {
@@ -19,7 +20,7 @@ QPair<QString, VersionNumber> cameraFromText(const QString& text, int code)
         throw CommandFailure(static_cast<ExitCode>(code),
                              QString("\"%1\" is no camera: write NAME=VERSION").arg(text));
     }
-    return {text.left(at), VersionNumber(text.mid(at + 1).toStdString())};
+    return {text.left(at), releaseNumber(text.mid(at + 1))};
 }
 
 OfferCriteria defaultCriteria()
@@ -48,7 +49,7 @@ Installation installationFrom(const QCommandLineParser& parser)
     Installation installation;
     OfferCriteria& criteria = installation.criteria;
     criteria.applicationName = parser.value("application");
-    criteria.versionNumber = VersionNumber(parser.value("version").toStdString());
+    criteria.versionNumber = releaseNumber(parser.value("version"));
     criteria.supportedPlatforms = splitWordList(parser.value("platforms"));
     criteria.supportedPackageTypes = splitWordList(parser.value("types"));
     for (const QString& camera : parser.values("camera")) {

@@ -1,6 +1,7 @@
 #include <QFile>
 #include <QTextStream>
 
+#include "package/ReleaseNumber.h"
 #include "tools/update-catalogue/Command.h"
 #include "tools/update-catalogue/Installation.h"
 
@@ -128,7 +129,7 @@ Installation installationFromCells(const Columns& columns, const QStringList& ce
     installation.criteria = defaultCriteria();
     OfferCriteria& criteria = installation.criteria;
     criteria.applicationName = cell("name");
-    criteria.versionNumber = VersionNumber(cell("version").toStdString());
+    criteria.versionNumber = releaseNumber(cell("version"));
     if (!cell("platforms").isEmpty()) {
         criteria.supportedPlatforms = splitWordList(cell("platforms"));
     }

@@ -89,8 +89,7 @@ QList<Verdict> verdictsOf(const PackageInfoList& catalogue, const PackageInfo& f
 TargetExplanation explainApplication(const PackageInfoList& catalogue,
                                      const OfferCriteria& criteria)
 {
-    return {"application", criteria.applicationName,
-            QString::fromStdString(criteria.versionNumber.toString()),
+    return {"application", criteria.applicationName, releaseText(criteria.versionNumber),
             verdictsOf(catalogue, applicationFilter(criteria), criteria.supportedPackageTypes,
                        selectForApplication(catalogue, criteria))};
 }
@@ -99,7 +98,7 @@ TargetExplanation explainCamera(const PackageInfoList& catalogue,
                                 const QPair<QString, VersionNumber>& camera,
                                 const OfferCriteria& criteria)
 {
-    return {"camera", camera.first, QString::fromStdString(camera.second.toString()),
+    return {"camera", camera.first, releaseText(camera.second),
             verdictsOf(catalogue, cameraFilter(camera, criteria), QStringList(),
                        selectForCamera(catalogue, camera, criteria))};
 }

@@ -5,6 +5,7 @@
 #include <thread>
 #include <vector>
 
+#include "package/ReleaseNumber.h"
 #include "tools/update-catalogue/Selection.h"
 
 namespace vx {
@@ -17,7 +18,7 @@ QString applicationKey(const OfferCriteria& criteria)
 {
     return QStringList{"a",
                        criteria.applicationName,
-                       QString::fromStdString(criteria.versionNumber.toString()),
+                       releaseText(criteria.versionNumber),
                        criteria.supportedPlatforms.join(' '),
                        criteria.supportedPackageTypes.join(' '),
                        criteria.checkForBeta ? "beta" : ""}
@@ -26,7 +27,7 @@ QString applicationKey(const OfferCriteria& criteria)
 
 QString cameraKey(const QPair<QString, VersionNumber>& camera, const OfferCriteria& criteria)
 {
-    return QStringList{"c", camera.first, QString::fromStdString(camera.second.toString()),
+    return QStringList{"c", camera.first, releaseText(camera.second),
                        criteria.checkForBeta ? "beta" : ""}
         .join(separator);
 }
