@@ -57,7 +57,7 @@ void readAndWriteSettings(benchmark::State& state)
         }
         QSettings store(QStringLiteral("Bench"), QStringLiteral("store"));
         for (int key = 0; key < 11; ++key) {
-            store.setValue(QString::number(key), state.iterations());
+            store.setValue(QString::number(key), qlonglong(state.iterations()));
         }
     }
 }
