@@ -7,7 +7,7 @@ namespace vx {
 
 namespace {
 
-constexpr qint64 largestAnswer = 64 * 1024 * 1024; // bytes
+constexpr qint64 largestAnswer = 64LL * 1024 * 1024; // bytes
 
 constexpr char mark[] = "vx_answerTooLong";
 

@@ -3,6 +3,8 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <utility>
+
 #include "client/ForgetWhenDestroyed.h"
 #include "host/GUIBaseUtils/DialogFlags.h"
 
@@ -35,7 +37,7 @@ SoftwareUpdateClient::SoftwareUpdateClient(const QString& product, VersionNumber
     SoftwareUpdateSettings record;
     getCurrentSettings(&record);
     record.product = product;
-    record.versionNumber = version;
+    record.versionNumber = std::move(version);
 
     // Only the lists are made once: each further client of the process appends its words again. The
     // repeats are meant to be stored, and the readers tolerate them.
