@@ -3,6 +3,9 @@ add_library(VxStrictness INTERFACE)
 target_compile_options(VxStrictness INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion
   -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wformat=2 -Wimplicit-fallthrough)
+# Qt's logging macros are such ones, and Clang blames whoever uses them.
+target_compile_options(VxStrictness INTERFACE
+  $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>)
 if(SOFTWAREUPDATECLIENT_WARNINGS_AS_ERRORS)
   target_compile_options(VxStrictness INTERFACE -Werror)
 endif()

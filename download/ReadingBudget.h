@@ -17,7 +17,7 @@ class ReadingBudget
 {
 public:
     /** What the packages of one catalogue may take together, in characters. */
-    static constexpr qint64 maximum = 64 * 1024 * 1024;
+    static constexpr qint64 maximum = 64LL * 1024 * 1024;
 
     /** @param limit what may be spent; without one as much as there is. */
     explicit ReadingBudget(qint64 limit = std::numeric_limits<qint64>::max())

@@ -15,11 +15,11 @@ int editDistance(const QString& a, const QString& b)
 {
     std::vector<int> row(static_cast<size_t>(b.size()) + 1);
     std::iota(row.begin(), row.end(), 0);
-    for (int i = 0; i < a.size(); ++i) {
+    for (const QChar letter : a) {
         int diagonal = row[0]++;
         for (int j = 0; j < b.size(); ++j) {
             const auto at = static_cast<size_t>(j);
-            const int exchanged = diagonal + (a.at(i) == b.at(j) ? 0 : 1);
+            const int exchanged = diagonal + (letter == b.at(j) ? 0 : 1);
             diagonal = row[at + 1];
             row[at + 1] = std::min({exchanged, row[at] + 1, row[at + 1] + 1});
         }
