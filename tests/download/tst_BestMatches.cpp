@@ -18,6 +18,13 @@ PackageInfo package(const QString& name, const QString& release,
     return PackageInfo("type", name, release, status, date, platforms);
 }
 
+/** @p package with a release for users that differs from its own. */
+PackageInfo calledInPublic(PackageInfo package, const QString& publicRelease)
+{
+    package.publicRelease = publicRelease;
+    return package;
+}
+
 /** The names of the winners, sorted: their order has no meaning. */
 QStringList winners(const PackageInfoList& all, const PackageInfo& filter = PackageInfo())
 {
@@ -59,6 +66,10 @@ void tst_BestMatches::winner_data()
     add("lower release, status below", {package("a", "2"), package("b", "1", {"p"}, "B")}, {"b"});
     add("lower release, later", {package("a", "2"), package("b", "1", {"p"}, "S", late)}, {"b"});
     add("the order decides", {package("b", "1", {"p"}, "S", late), package("a", "2")}, {"a"});
+    add("higher release, lower in public",
+        {calledInPublic(package("a", "1"), "2"), calledInPublic(package("b", "2"), "1")}, {"b"});
+    add("lower release, higher in public",
+        {calledInPublic(package("a", "2"), "1"), calledInPublic(package("b", "1"), "2")}, {"a"});
     add("equal: the first stays", {package("a", "1"), package("b", "1")}, {"a"});
     add("each platform", {package("a", "1", {"p"}), package("b", "1", {"q"})}, {"a", "b"});
     add("several platforms, once", {package("a", "1", {"p", "q"})}, {"a"});

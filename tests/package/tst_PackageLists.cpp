@@ -48,6 +48,8 @@ class tst_PackageLists : public QObject
 private slots:
     void givesEachEntryOnce();
     void emptyListGivesNothing();
+    void publicReleaseIsNotGathered();
+    void emptyWordsAreKept();
     void translatesTypesAndReleasesWhenAsked();
     void languagesAndPlatformsIgnoreTheQuestion();
     void passesTheSourceTextAsLatin1();
@@ -74,6 +76,26 @@ void tst_PackageLists::emptyListGivesNothing()
     QVERIFY(PackageInfo::allReleases({}, true).isEmpty());
     QVERIFY(PackageInfo::allLanguages({}, true).isEmpty());
     QVERIFY(PackageInfo::allPlatforms({}, true).isEmpty());
+}
+
+void tst_PackageLists::publicReleaseIsNotGathered()
+{
+    PackageInfo package("", "", "4.2");
+    package.publicRelease = "V4";
+    for (const bool translated : {false, true}) {
+        QCOMPARE(PackageInfo::allReleases({package}, translated), QStringList({"4.2"}));
+    }
+}
+
+// No parser makes them, but hosts fill records on their own.
+void tst_PackageLists::emptyWordsAreKept()
+{
+    const PackageInfoList list = {
+        PackageInfo("", "", "", "", QDateTime(), {"", "Mac64"}, {"", "en"})};
+    for (const bool translated : {false, true}) {
+        QCOMPARE(sorted(PackageInfo::allLanguages(list, translated)), QStringList({"", "en"}));
+        QCOMPARE(sorted(PackageInfo::allPlatforms(list, translated)), QStringList({"", "Mac64"}));
+    }
 }
 
 void tst_PackageLists::translatesTypesAndReleasesWhenAsked()

@@ -15,8 +15,18 @@ const QDateTime day(QDate(2012, 6, 1), QTime(12, 0));
 /** A package that passes every filter below unless one field is made to fail. */
 PackageInfo camera()
 {
-    return PackageInfo("Camera Firmware", "fw", "4.2", "STABLE", day, {"CamOne", "CamTwo"},
-                       {"en", "de"}, "zip");
+    PackageInfo package("Camera Firmware", "fw", "4.2", "STABLE", day, {"CamOne", "CamTwo"},
+                        {"en", "de"}, "zip");
+    package.publicRelease = "0"; // which every filter by release would refuse
+    return package;
+}
+
+/** A filter that camera() passes, and would not if public releases counted. */
+PackageInfo publicReleaseAbove()
+{
+    PackageInfo filter("", "", "4.1");
+    filter.publicRelease = "9";
+    return filter;
 }
 
 PackageInfo everythingTested()
@@ -37,6 +47,8 @@ private slots:
     void defaultFilterPassesEverything();
     void matchesFilter_data();
     void matchesFilter();
+    void packageWithoutLanguagesSharesNone();
+    void packageWithoutDateIsEarlierThanAny();
     void candidate_data();
     void candidate();
     void firstFailingTestIsNamed();
@@ -99,6 +111,7 @@ void tst_PackageMatching::matchesFilter_data()
     QTest::newRow("later") << date(day.addSecs(1)) << false;
     QTest::newRow("shared language") << languages({"en", "fr"}) << false;
     QTest::newRow("no shared language") << languages({"fr"}) << true;
+    QTest::newRow("public release above") << publicReleaseAbove() << true;
     QTest::newRow("what plays no part")
         << PackageInfo("x", "x", "", "", QDateTime(), {"x"}, {}, "x", "x") << true;
 }
@@ -107,12 +120,24 @@ void tst_PackageMatching::matchesFilter()
 {
     QFETCH(PackageInfo, filter);
     QTEST(camera().matchesFilter(filter), "matches");
-    // A package without languages shares none, and one without a date is earlier than any.
+}
+
+void tst_PackageMatching::packageWithoutLanguagesSharesNone()
+{
     PackageInfo bare = camera();
     bare.languages.clear();
-    PackageInfo languagesAlone;
-    languagesAlone.languages = {"en"};
-    QVERIFY(bare.matchesFilter(languagesAlone));
+    PackageInfo filter;
+    filter.languages = {"en"};
+    QVERIFY(bare.matchesFilter(filter));
+}
+
+void tst_PackageMatching::packageWithoutDateIsEarlierThanAny()
+{
+    for (const int year : {1965, 1970, 2012}) {
+        PackageInfo filter;
+        filter.date = QDateTime(QDate(year, 6, 1), QTime(12, 0));
+        QVERIFY2(!PackageInfo().matchesFilter(filter), qPrintable(QString::number(year)));
+    }
 }
 
 void tst_PackageMatching::candidate_data()
@@ -149,6 +174,7 @@ void tst_PackageMatching::candidate_data()
     add("allowed type", PackageInfo(), {"mpkg", "zip"}, R::None);
     add("type not allowed", PackageInfo(), {"mpkg"}, R::FileType);
     add("type in capitals", PackageInfo(), {"ZIP"}, R::FileType);
+    add("public release above", publicReleaseAbove(), {}, R::None);
     add("what plays no part", PackageInfo("x", "", "", "", day.addYears(9), {}, {"x"}, "x", "x"),
         {}, R::None);
 }

@@ -20,6 +20,13 @@ PackageInfo package(const char* release, const char* status, const QDateTime& da
     return PackageInfo("", "", release, status, date);
 }
 
+/** @p package with a release for users that differs from its own. */
+PackageInfo calledInPublic(PackageInfo package, const char* publicRelease)
+{
+    package.publicRelease = publicRelease;
+    return package;
+}
+
 } // namespace
 
 class tst_PackageOrdering : public QObject
@@ -84,6 +91,10 @@ void tst_PackageOrdering::isBetterMatch_data()
     add("status above", package("1", "S", early), package("1", "B", early), false);
     add("earlier", package("1", "S", early), package("1", "S", late), false);
     add("equal", package("1", "S", early), package("1", "S", early), false);
+    add("higher release, lower in public", calledInPublic(package("2", "S", early), "1"),
+        calledInPublic(package("1", "S", early), "2"), true);
+    add("lower release, higher in public", calledInPublic(package("1", "S", early), "2"),
+        calledInPublic(package("2", "S", early), "1"), false);
     add("any date is later than none", package("1", "S", early), package("1", "S", QDateTime()),
         true);
 }

@@ -58,6 +58,9 @@ void tst_TranslatedUrls::choice_data()
     QTest::newRow("the fallback") << keyed({"de", "fr"}) << "it"
                                   << "fr"
                                   << "fr";
+    QTest::newRow("the fallback before its letters") << keyed({"de", "fr", "fr_CH"}) << "it"
+                                                     << "fr_CH"
+                                                     << "fr_CH";
     QTest::newRow("the fallback's letters") << keyed({"de", "fr"}) << "it"
                                             << "fr_CH"
                                             << "fr";
