@@ -18,6 +18,12 @@ ProxyRoad::~ProxyRoad()
     NodeDB::getDB().setGlobalProxy(NetworkProxy());
 }
 
+void ProxyRoad::serveOnly(DownloadManager& engine)
+{
+    NodeDB::getDB().setGlobalProxy(NetworkProxy());
+    engine.setProxy(HttpHost::OwnProxy, QStringLiteral("127.0.0.1:%1").arg(server.port()));
+}
+
 void ProxyRoad::serve(const QString& path, const QByteArray& body, int status)
 {
     ServedReply reply;

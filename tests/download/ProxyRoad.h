@@ -22,6 +22,9 @@ public:
 
     UpdateServer server;
 
+    /** Makes the server the proxy of @p engine alone: the application has none any more. */
+    void serveOnly(DownloadManager& engine);
+
     /** Serves @p body at @p path of every host. */
     void serve(const QString& path, const QByteArray& body, int status = 200);
     /** Serves @p body at @p path, and fails after @p bytes of it. */

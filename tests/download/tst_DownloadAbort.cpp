@@ -50,6 +50,7 @@ private slots:
     void init();
     void cleanup();
     void nothingRunning();
+    void allIsFreedBeforeTheSignal();
     void beforeTheRequestIsSent();
     void whileTheServerIsSilent();
     void whileBytesCome();
@@ -99,6 +100,22 @@ void DownloadAbortTest::nothingRunning()
     m_engine->abortDownload();
     m_engine->abortDownload();
     QCOMPARE(m_events->list, QStringList({"downloadAborted", "downloadAborted"}));
+}
+
+// Who is told may start over or delete the file.
+void DownloadAbortTest::allIsFreedBeforeTheSignal()
+{
+    int told = 0;
+    connect(m_engine.data(), &DownloadManager::downloadAborted, this, [&] {
+        ++told;
+        QVERIFY(!m_engine->isQueryBusy());
+        QVERIFY(m_watch->allFreed());
+    });
+    m_road->serveFault("/camera.zip", content, ServedReply::Silent, 0);
+    start(m_engine.data());
+    QTRY_COMPARE(m_road->server.requests().size(), 1);
+    m_engine->abortDownload();
+    QCOMPARE(told, 1);
 }
 
 void DownloadAbortTest::beforeTheRequestIsSent()

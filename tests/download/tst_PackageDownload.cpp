@@ -42,6 +42,7 @@ private slots:
     void comesFromPort80ThroughTheProxy_data();
     void comesFromPort80ThroughTheProxy();
     void comesFromPort80Directly();
+    void comesThroughTheProxyOfTheServer();
     void sizeOnDiskDecides_data();
     void sizeOnDiskDecides();
     void statusOnlyExplainsAShortFile_data();
@@ -52,6 +53,7 @@ private slots:
     void fileAndRecordAreFreed();
     void unknownSizeNeverEnds();
     void emptyEngineReportsOnlyTheEnd();
+    void clientStaysSetToTheDownloadHost();
     void nextQueryGoesToItsServer();
     void severalAtOnceEndEach();
     void busyUntilTheEnd();
@@ -154,6 +156,17 @@ void PackageDownloadTest::comesFromPort80Directly()
     QCOMPARE(contentOf(path("a.zip")), content);
     QCOMPARE(server.requests().size(), allowed ? 1 : 0);
     QCOMPARE(m_road->server.requests().size(), allowed ? 0 : 1);
+}
+
+void PackageDownloadTest::comesThroughTheProxyOfTheServer()
+{
+    m_road->serveOnly(*m_engine);
+    m_engine->startDownload(packageAt("http://files.example/camera.zip", content.size()),
+                            path("a.zip"));
+    QTRY_COMPARE(m_events->count("downloadSuccess"), 2);
+    QCOMPARE(contentOf(path("a.zip")), content);
+    QCOMPARE(m_road->server.requests().value(0).target,
+             QByteArray("http://files.example/camera.zip"));
 }
 
 void PackageDownloadTest::sizeOnDiskDecides_data()
@@ -290,6 +303,19 @@ void PackageDownloadTest::emptyEngineReportsOnlyTheEnd()
     QTRY_COMPARE(events.list.size(), 2);
     QCOMPARE(events.list, QStringList({"downloadSuccess camera a.zip", "downloadSuccess"}));
     QVERIFY(events.progress.isEmpty());
+}
+
+void PackageDownloadTest::clientStaysSetToTheDownloadHost()
+{
+    const auto addressOfX = [this] {
+        return m_engine->httpClient.prepareGet("/x", {}, nullptr, nullptr, nullptr, {})
+            ->requestUrls.value(0);
+    };
+    m_engine->startDownload(packageAt("https://files.example:8443/camera.zip", content.size()),
+                            path("a.zip"));
+    QCOMPARE(addressOfX(), QUrl("http://files.example/x"));
+    QTRY_COMPARE(m_events->count("downloadSuccess"), 2);
+    QCOMPARE(addressOfX(), QUrl("http://files.example/x"));
 }
 
 void PackageDownloadTest::nextQueryGoesToItsServer()

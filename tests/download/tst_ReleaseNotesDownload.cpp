@@ -23,6 +23,7 @@ private slots:
     void unreachableHostGivesNoText();
     void comesFromPort80_data();
     void comesFromPort80();
+    void comesThroughTheProxyOfTheServer();
     void requestedUrlIsNamedAfterARedirect();
     void severalAtOnce();
     void updateServerStays();
@@ -123,6 +124,17 @@ void ReleaseNotesDownloadTest::comesFromPort80()
                  QStringList("releaseNotesDownloaded http://files.example/notes.html "
                              "'New and fixed'"));
     QCOMPARE(m_road->server.requests().last().target,
+             QByteArray("http://files.example/notes.html"));
+}
+
+void ReleaseNotesDownloadTest::comesThroughTheProxyOfTheServer()
+{
+    m_road->serveOnly(*m_engine);
+    m_engine->downloadReleaseNotes(QUrl("http://files.example/notes.html"));
+    QTRY_COMPARE(m_events->list,
+                 QStringList("releaseNotesDownloaded http://files.example/notes.html "
+                             "'New and fixed'"));
+    QCOMPARE(m_road->server.requests().value(0).target,
              QByteArray("http://files.example/notes.html"));
 }
 
