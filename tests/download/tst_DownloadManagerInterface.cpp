@@ -122,6 +122,8 @@ class DownloadManagerInterfaceTest : public QObject
 private slots:
     void init();
     void methodsStandInTheirOrder();
+    void parametersHaveTheirNames_data();
+    void parametersHaveTheirNames();
     void listIsDeliveredByName();
     void slotsAreCalledByName();
     void metaTypesAreRegisteredOnLoading();
@@ -153,6 +155,64 @@ void DownloadManagerInterfaceTest::methodsStandInTheirOrder()
         QCOMPARE(actual.at(i), expected.at(i));
     }
     QCOMPARE(actual.size(), expected.size());
+}
+
+void DownloadManagerInterfaceTest::parametersHaveTheirNames_data()
+{
+    QTest::addColumn<QString>("names");
+
+    const auto add = [](const char* signature, const QString& names) {
+        QTest::newRow(signature) << names;
+    };
+    const QString filter("filterTypes,filterNames,filterReleaseVersion,filterReleaseStatus,"
+                         "filterTime,filterPlatform,filterLanguages");
+    const QString callback(",callbackReceiver,callbackSlot");
+    add("packageFound(PackageInfoList)", "allPackages");
+    add("queryStarted(QString)", "url");
+    add("downloadStarted(PackageInfo,QString)", "pack,fileName");
+    add("downloadProgress(int,int)", "bytes,totalBytes");
+    add("downloadSuccess(PackageInfo,QString)", "pack,fileName");
+    add("downloadFailure(PackageInfo,QString)", "pack,fileName");
+    add("downloadFailure(int)", "httpStatusCode");
+    add("releaseNotesDownloaded(QUrl,QString)", "url,text");
+    add("queryUpdate(QString,QString,QString,QString,QDateTime,QStringSet,QStringSet,QObject*,"
+        "const char*)",
+        filter + callback);
+    add("queryUpdate(PackageInfo,QObject*,const char*)", "filter" + callback);
+    add("recentPackages(QString,QString,QString,QString,QDateTime,QStringSet,QStringSet)", filter);
+    add("recentPackages(PackageInfo)", "filter");
+    add("queryCameraFirmwareUpdate(QString,QString,QStringSet)",
+        "filterVersion,filterRelease,filterLanguages");
+    add("startDownload(PackageInfo,QString)", "pack,fileName");
+    add("downloadReleaseNotes(QUrl)", "url");
+    add("installLater(PackageInfo,bool)", "info,confirmInstall");
+    add("installLater(QString,QString,QString,QString)",
+        "packageFile,updaterExe,targetFolder,applicationExe");
+    add("unzipPackage(QString)", "packageFile");
+    add("startUpdate(QString,QString,QString,QString)",
+        "updateApplicationPath,installationPath,tempApplicationPath,newApplication");
+    add("runInstaller(QString)", "installerFile");
+    add("queryResult(RequestPtr)", "resp");
+    add("queryResult(QIODevice*,RequestData*)", "input,data");
+    add("downloadStarting(RequestPtr)", "resp");
+    add("downloadResult(RequestPtr)", "resp");
+    add("releaseNotesResult(RequestPtr)", "resp");
+    add("runZipInstaller(QString)", "installerFile");
+    add("findDefaultExecutable(QDir)", "dir");
+    add("parseSet(QDomElement,PackageInfoList&)", "elm,result");
+    add("parsePackage(QDomElement,PackageInfo&)", "elm,info");
+    add("findString(QDomNode,QString)", "elm,tagname");
+    add("findAllStrings(QDomNode,QString,QStringSet&)", "elm,tagname,result");
+    add("findAllTranslatedUrls(QDomNode,QString,UrlMap&)", "elm,tagname,result");
+    add("findBestMatches(PackageInfoList,PackageInfo)", "allPackages,filter");
+}
+
+void DownloadManagerInterfaceTest::parametersHaveTheirNames()
+{
+    const QMetaObject& meta = DownloadManager::staticMetaObject;
+    const QMetaMethod method = meta.method(meta.indexOfMethod(QTest::currentDataTag()));
+    QVERIFY(method.isValid());
+    QTEST(QString::fromLatin1(method.parameterNames().join(',')), "names");
 }
 
 void DownloadManagerInterfaceTest::listIsDeliveredByName()
