@@ -1,4 +1,5 @@
 #include <QtTest>
+#include <QtXml/QDomDocument>
 
 #include "download/ReadingBudget.h"
 #include "tests/download/CatalogueProbe.h"
@@ -41,6 +42,7 @@ class tst_CatalogueBounds : public QObject
 private slots:
     void refusesWhatInheritsTooMuch_data();
     void refusesWhatInheritsTooMuch();
+    void readsWhatAHostBuiltWithoutLimit();
     void sharesSingleValues();
     void sharesWordsOfSets();
     void readsManyUrlsWithoutLanguage();
@@ -79,6 +81,21 @@ void tst_CatalogueBounds::refusesWhatInheritsTooMuch()
     QCOMPARE(log.count(2, "XML parser error"), 0);
     QVERIFY(parseText(catalogue(fields, tooMany, package)).isEmpty());
     QCOMPARE(log.count(2, "XML parser error"), 1);
+}
+
+// A document that is there already has its memory; only what comes from outside is bounded.
+void tst_CatalogueBounds::readsWhatAHostBuiltWithoutLimit()
+{
+    QDomDocument document;
+    QVERIFY(document.setContent(catalogue("<platform>" + words(20000) + "</platform>", 300,
+                                          "<package name='p' platform='own' url='a.zip'/>")));
+    PackageInfoList packages;
+    CatalogueProbe::parseSet(document.documentElement(), packages);
+    QCOMPARE(packages.size(), 300);
+    for (const PackageInfo& package : qAsConst(packages)) {
+        QCOMPARE(package.platforms.size(), 20001);
+        QCOMPARE(package.packageType, QString("zip"));
+    }
 }
 
 void tst_CatalogueBounds::sharesSingleValues()
