@@ -127,12 +127,22 @@ QStringSet CatalogueLevel::ownWords(CatalogueField field) const
 
 void CatalogueLevel::addUrls(CatalogueField field, UrlMap& urls)
 {
-    for (CatalogueLevel* level = this; level != nullptr; level = level->m_outer) {
+    for (CatalogueLevel* level = this; level != nullptr; level = level->outerWithUrls(field)) {
         for (const auto& [language, address] : level->ownUrls(field)) {
             m_budget.spend(ReadingBudget::entry + language.size());
             insertTranslatedUrl(urls, language, address);
         }
     }
+}
+
+CatalogueLevel* CatalogueLevel::outerWithUrls(CatalogueField field)
+{
+    std::optional<CatalogueLevel*>& found = m_outerWithUrls[field - firstGatheredField];
+    if (!found) {
+        const bool isNearest = m_outer == nullptr || !m_outer->ownUrls(field).isEmpty();
+        found = isNearest ? m_outer : m_outer->outerWithUrls(field);
+    }
+    return *found;
 }
 
 const CatalogueLevel::Urls& CatalogueLevel::ownUrls(CatalogueField field)

@@ -61,6 +61,7 @@ private:
     std::optional<QString> attribute(CatalogueField field) const;
     const QStringSet& wordsFromHere(CatalogueField field);
     QStringSet ownWords(CatalogueField field) const;
+    CatalogueLevel* outerWithUrls(CatalogueField field);
     const Urls& ownUrls(CatalogueField field);
     Urls readOwnUrls(CatalogueField field);
     QString valueFor(const QDomElement& urlElement, CatalogueField field);
@@ -75,6 +76,7 @@ private:
     std::array<QVector<QDomElement>, gatheredFieldCount> m_elements;
     std::array<std::optional<QStringSet>, gatheredFieldCount> m_words;
     std::array<std::optional<Urls>, gatheredFieldCount> m_urls;
+    std::array<std::optional<CatalogueLevel*>, gatheredFieldCount> m_outerWithUrls;
 };
 
 /** The levels from the outermost down to @p innermost; none if that is null. */

@@ -1,5 +1,6 @@
 #include <QtXml/QDomDocument>
 
+#include <list>
 #include <memory>
 
 #include "download/CatalogueLevel.h"
@@ -49,18 +50,28 @@ void readPackage(const QDomElement& elm, CatalogueLevel* set, ReadingBudget& bud
     }
 }
 
-void readSet(const QDomElement& elm, CatalogueLevel& set, ReadingBudget& budget,
-             PackageInfoList& result)
+// Not inlined: what it needs on the stack would be there once for every set around a package.
+Q_NEVER_INLINE void readPackages(const QDomElement& elm, CatalogueLevel& set, ReadingBudget& budget,
+                                 PackageInfoList& result)
 {
     for (QDomElement package = elm.firstChildElement(DownloadManager::PACKAGE); !package.isNull();
          package = package.nextSiblingElement(DownloadManager::PACKAGE)) {
         result.append(PackageInfo());
         readPackage(package, &set, budget, result.last());
     }
+}
+
+// The levels are in a list for the same reason.
+void readSet(const QDomElement& elm, std::list<CatalogueLevel>& levels, ReadingBudget& budget,
+             PackageInfoList& result)
+{
+    CatalogueLevel& set = levels.back();
+    readPackages(elm, set, budget, result);
     for (QDomElement nested = elm.firstChildElement(DownloadManager::PACKAGE_SET); !nested.isNull();
          nested = nested.nextSiblingElement(DownloadManager::PACKAGE_SET)) {
-        CatalogueLevel level(nested, &set, budget);
-        readSet(nested, level, budget, result);
+        levels.emplace_back(nested, &set, budget);
+        readSet(nested, levels, budget, result);
+        levels.pop_back();
     }
 }
 
@@ -69,7 +80,7 @@ void readSetAndItsSurroundings(const QDomElement& elm, ReadingBudget& budget,
 {
     std::list<CatalogueLevel> levels = levelsDownTo(elm, budget);
     if (!levels.empty()) {
-        readSet(elm, levels.back(), budget, result);
+        readSet(elm, levels, budget, result);
     }
 }
 

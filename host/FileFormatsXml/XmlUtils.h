@@ -22,7 +22,7 @@ public:
     static constexpr qint64 maximumNodes = 1000000;
 
     /** How deep elements may be nested; the root is at depth 1. */
-    static constexpr int maximumDepth = 256;
+    static constexpr int maximumDepth = 1000;
 
     /** How many attributes an element may have, and a document type may declare in all. */
     static constexpr int maximumAttributes = 256;
