@@ -62,9 +62,10 @@ bool PackageInfo::isInstallable() const
 bool PackageInfo::isInstallable(const QString& suffix)
 {
     const char* const installable[] = {"zip", "exe", "msi"};
-    return std::any_of(std::begin(installable), std::end(installable), [&suffix](const char* type) {
-        return suffix.compare(QLatin1String(type), Qt::CaseInsensitive) == 0;
-    });
+    return std::any_of(std::begin(installable), std::end(installable),
+                       [&suffix](const char* known) {
+                           return suffix.compare(QLatin1String(known), Qt::CaseInsensitive) == 0;
+                       });
 }
 
 QString PackageInfo::stringID() const
