@@ -4,6 +4,7 @@ namespace vx::test {
 
 /**
  * Makes this thread subject to the permissions of files and folders, even if it runs as root.
+ * There is no way back.
  *
  * @return whether it is.
  */

@@ -1,6 +1,5 @@
 #include <QLabel>
 #include <QMessageBox>
-#include <QPointer>
 #include <QProgressBar>
 #include <QProgressDialog>
 #include <QPushButton>
@@ -40,6 +39,12 @@ void invokeInstall(TestClient& client, int row)
                                       Q_ARG(int, row)));
 }
 
+void reportProgress(TestClient& client, int value, int total)
+{
+    QVERIFY(QMetaObject::invokeMethod(&client, "downloadProgress", Qt::DirectConnection,
+                                      Q_ARG(int, value), Q_ARG(int, total)));
+}
+
 bool isInTemporaryFolder(const QString& file)
 {
     return file.startsWith(QDir::tempPath() + '/') && !file.contains("/../");
@@ -64,10 +69,8 @@ private slots:
     void failure_data();
     void failure();
     void failureBoxUsesParentAndFlags();
-    void anotherTryAfterAFailure();
     void cancelling_data();
     void cancelling();
-    void secondDownloadRunsUnobserved();
     void sizeUnknown();
     void rowThatIsNotThere();
     void proxyWithPassword_data();
@@ -186,8 +189,7 @@ void tst_ClientInstallation::progress()
     fixture.openList({url}, content.size());
     fixture.proceedWith(0);
     QTRY_COMPARE(progressDialog()->value(), 1000);
-    QVERIFY(QMetaObject::invokeMethod(&fixture.client(), "downloadProgress", Qt::DirectConnection,
-                                      Q_ARG(int, value), Q_ARG(int, total)));
+    reportProgress(fixture.client(), value, total);
     QCOMPARE(progressDialog()->minimum(), 0);
     QCOMPARE(progressDialog()->maximum(), total);
     QCOMPARE(progressDialog()->findChild<QProgressBar*>()->maximum(), total);
@@ -199,8 +201,7 @@ void tst_ClientInstallation::progress()
 void tst_ClientInstallation::progressWithoutADialog()
 {
     ClientFixture fixture;
-    QVERIFY(QMetaObject::invokeMethod(&fixture.start(), "downloadProgress", Qt::DirectConnection,
-                                      Q_ARG(int, 1), Q_ARG(int, 2)));
+    reportProgress(fixture.start(), 1, 2);
     QVERIFY(!progressDialog());
 }
 
@@ -242,6 +243,13 @@ void tst_ClientInstallation::failure()
     fixture.serve(path, reply);
     fixture.openList({url}, content.size());
     fixture.proceedWith(0);
+    fixture.boxes.willDo([&fixture](QMessageBox* box) {
+        // Nothing is cleared away before the user has read the text.
+        reportProgress(fixture.client(), 1, 77);
+        QCOMPARE(progressDialog()->maximum(), 77);
+        QVERIFY(QFile::exists(fixture.downloadPath()));
+        QTest::keyClick(box, Qt::Key_Return);
+    });
     QTRY_COMPARE(fixture.boxes.seen().size(), 2);
     QTRY_VERIFY(!progressDialog());
 
@@ -268,20 +276,6 @@ void tst_ClientInstallation::failureBoxUsesParentAndFlags()
     QCOMPARE(fixture.boxes.seen().last().parent, &window);
     QVERIFY(fixture.boxes.seen().last().flags & Qt::WindowStaysOnTopHint);
     QVERIFY(!(fixture.boxes.seen().first().flags & Qt::WindowStaysOnTopHint));
-}
-
-void tst_ClientInstallation::anotherTryAfterAFailure()
-{
-    InstallationFixture fixture;
-    fixture.openList({url}, content.size());
-    fixture.proceedWith(0);
-    QTRY_COMPARE(fixture.boxes.seen().size(), 2);
-    QTRY_VERIFY(!progressDialog());
-    const QString first = fixture.downloadPath();
-    fixture.serve(path, content);
-    fixture.proceedWith(0);
-    QVERIFY(fixture.downloadPath() != first);
-    QTRY_VERIFY(fixture.log.contains(1, "trying to run " + fixture.downloadPath()));
 }
 
 void tst_ClientInstallation::cancelling_data()
@@ -312,28 +306,14 @@ void tst_ClientInstallation::cancelling()
     QCOMPARE(fixture.boxes.seen().size(), 1);
     QVERIFY(fixture.log.lines(3).isEmpty());
 
+    // The path is kept, although nothing is there any more.
+    fixture.client().call("abortDownload");
+    QVERIFY(fixture.log.contains(
+        3, "SoftwareUpdateClient::abortDownload() -> could not remove downloaded files: " +
+               fixture.downloadPath()));
     fixture.serve(path, content);
     fixture.proceedWith(0);
     QTRY_VERIFY(!availableDialog());
-}
-
-void tst_ClientInstallation::secondDownloadRunsUnobserved()
-{
-    InstallationFixture fixture;
-    fixture.serve(path, stalled());
-    fixture.serve("/files/second.msi", content);
-    fixture.openList({url, "http://download.example/files/second.msi"}, content.size());
-    fixture.proceedWith(0);
-    QTRY_COMPARE(progressDialog()->value(), 1000);
-    const QPointer<QProgressDialog> first = progressDialog();
-
-    fixture.proceedWith(1);
-    const QString second = fixture.downloadPath();
-    QTRY_COMPARE(QFileInfo(second).size(), content.size());
-    QCOMPARE(progressDialog(), first.data());
-    QCOMPARE(first->value(), 1000);
-    QVERIFY(availableDialog()->isVisible());
-    QVERIFY(!fixture.log.lines(1).join('\n').contains("trying to run"));
 }
 
 void tst_ClientInstallation::sizeUnknown()

@@ -1,8 +1,11 @@
+#include <QApplication>
 #include <QMessageBox>
 #include <QWidget>
 #include <QtTest>
 
 #include "dialogs/SoftwareUpdateAvailableDialog.h"
+#include "download/DownloadManager.h"
+#include "tests/client/FileRights.h"
 #include "tests/client/InstallationFixture.h"
 #include "tests/client/UrlRecorder.h"
 #include "tests/host/FileFormatsZip/ZipBuilder.h"
@@ -35,6 +38,27 @@ QStringList fileNames(const QList<QUrl>& urls)
     return names;
 }
 
+/** Counts the engines that were left to the event loop to delete while the object lives. */
+class DeletedManagers : public QObject
+{
+public:
+    DeletedManagers() { qApp->installEventFilter(this); }
+
+    int count() const { return m_count; }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::DeferredDelete && qobject_cast<DownloadManager*>(watched)) {
+            ++m_count;
+        }
+        return false;
+    }
+
+private:
+    int m_count = 0;
+};
+
 /** A folder of the temporary ones that holds what an archive unpacks to. */
 QString folderWith(const QString& fileName)
 {
@@ -64,15 +88,18 @@ private slots:
     void programIsStarted();
     void bundles_data();
     void bundles();
+    void bundlesAreOpenedAsTheyLie();
     void openingStopsAtTheFirstFailure();
     void bundlesOfAFolderThatIsGone();
     void damagedArchive();
     void managerIsReused();
+    void eachInstallationHasItsOwnManager();
     void restartLater_data();
     void restartLater();
     void restartBoxUsesParentAndFlags();
     void clientDestroyedBeforeTheRestartBox();
     void helperMissing();
+    void bundleThatCannotBeRead(); // takes rights away for good, and so is the last one
 };
 
 void tst_ClientInstallers::cleanup()
@@ -130,8 +157,9 @@ void tst_ClientInstallers::unknownType()
     InstallationFixture fixture(&window);
     fixture.client().setWindowFlags(Qt::Dialog | Qt::WindowStaysOnTopHint);
     fixture.boxes.willClick("Proceed");
-    fixture.boxes.willDo([](QMessageBox* box) {
+    fixture.boxes.willDo([&fixture](QMessageBox* box) {
         QVERIFY(!availableDialog() || !availableDialog()->isVisible());
+        QVERIFY(QFile::exists(fixture.downloadPath()));
         QTest::keyClick(box, Qt::Key_Return);
     });
     fixture.serve("/files/" + fileName, QByteArray("content"));
@@ -214,6 +242,8 @@ void tst_ClientInstallers::bundles_data()
     QTest::newRow("a link is none")
         << ZipBuilder{first, softLink("Link.mpkg", "First.mpkg")}.bytes()
         << QStringList{"First.mpkg"};
+    QTest::newRow("a hidden one is none")
+        << ZipBuilder{file(".Hidden.mpkg/x"), first}.bytes() << QStringList{"First.mpkg"};
     QTest::newRow("deeper ones are not looked for")
         << ZipBuilder{file("folder/Deep.mpkg/x")}.bytes() << QStringList();
     QTest::newRow("other folders") << ZipBuilder{file("First.pkg/x")}.bytes() << QStringList();
@@ -241,6 +271,28 @@ void tst_ClientInstallers::bundles()
     QVERIFY(fixture.log.lines(3).isEmpty());
     QVERIFY(!QFile::exists(fixture.downloadPath()));
     QCOMPARE(fixture.boxes.seen().size(), 1);
+}
+
+void tst_ClientInstallers::bundlesAreOpenedAsTheyLie()
+{
+    ZipBuilder archive;
+    for (int i = 0; i < 20; ++i) {
+        archive.add(file(QByteArray::number(i * 7 % 20) + ".mpkg/x"));
+    }
+    InstallationFixture fixture;
+    const UrlRecorder desktop;
+    fixture.install("many.mpkg.zip", archive.bytes());
+    QTRY_COMPARE(desktop.opened().size(), 20);
+    QStringList opened;
+    for (const QUrl& url : desktop.opened()) {
+        opened << url.toLocalFile();
+    }
+    QStringList lying;
+    QDirIterator entries(unzippedFolder(fixture.log), QDir::Dirs | QDir::NoDotAndDotDot);
+    while (entries.hasNext()) {
+        lying << entries.next();
+    }
+    QCOMPARE(opened, lying);
 }
 
 void tst_ClientInstallers::openingStopsAtTheFirstFailure()
@@ -290,6 +342,21 @@ void tst_ClientInstallers::managerIsReused()
     QCOMPARE(desktop.opened().size(), 2);
     QCOMPARE(desktop.opened().first(), desktop.opened().last());
     QCOMPARE(fixture.log.lines(1).filter("trying to extract").size(), 2);
+}
+
+void tst_ClientInstallers::eachInstallationHasItsOwnManager()
+{
+    InstallationFixture fixture;
+    const UrlRecorder desktop;
+    const DeletedManagers deleted;
+    fixture.install("a.mpkg.zip", ZipBuilder{file("A.mpkg/x")}.bytes());
+    QTRY_COMPARE(fileNames(desktop.opened()), QStringList{"A.mpkg"});
+    QTRY_COMPARE(deleted.count(), 1);
+    QTRY_VERIFY(!availableDialog());
+    fixture.install("b.mpkg.zip", ZipBuilder{file("B.mpkg/x")}.bytes());
+    QTRY_COMPARE(fileNames(desktop.opened()), QStringList({"A.mpkg", "B.mpkg"}));
+    QTRY_COMPARE(deleted.count(), 2);
+    QCOMPARE(fixture.log.lines(1).filter(unzippedLine).size(), 2);
 }
 
 void tst_ClientInstallers::restartLater_data()
@@ -381,6 +448,23 @@ void tst_ClientInstallers::helperMissing()
     QVERIFY(fixture.log.contains(3, "SoftwareUpdateClient::startInstallApplication() -> one of the "
                                     "following file/dir is missing: " +
                                         folder + "/UpdateInstaller or " + folder));
+}
+
+void tst_ClientInstallers::bundleThatCannotBeRead()
+{
+    QVERIFY(submitToFileRights());
+    QTemporaryDir folder;
+    const QString locked = folder.filePath("Locked.mpkg");
+    QVERIFY(QDir(folder.path()).mkdir("Locked.mpkg"));
+    QVERIFY(QDir(folder.path()).mkdir("Open.mpkg"));
+    QVERIFY(QFile::setPermissions(locked, QFile::WriteOwner | QFile::ExeOwner));
+    ClientFixture fixture;
+    const UrlRecorder desktop;
+    QVERIFY(QMetaObject::invokeMethod(&fixture.start(), "unzippedMPKGPackage", Qt::DirectConnection,
+                                      Q_ARG(QString, folder.path())));
+    QVERIFY(QFile::setPermissions(locked, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    QCOMPARE(fileNames(desktop.opened()), QStringList{"Open.mpkg"});
+    QVERIFY(fixture.log.lines(3).isEmpty());
 }
 
 VX_TEST_MAIN(tst_ClientInstallers)
