@@ -34,10 +34,8 @@ void goTheWholeRoad(InstallationFixture& fixture)
 
 void report(const InstallationFixture& fixture)
 {
-    for (const int level : {1, 3}) {
-        for (const QString& line : fixture.log.lines(level)) {
-            std::printf("%d %s\n", level, qPrintable(line));
-        }
+    for (const QString& line : fixture.log.allLines()) {
+        std::printf("%s\n", qPrintable(line));
     }
     for (const SeenBox& box : fixture.boxes.seen()) {
         std::printf("box %s: %s\n", qPrintable(box.title), qPrintable(box.text));

@@ -49,6 +49,7 @@ private slots:
     void firstTickOfAClientThatNeverChecked();
     void tickWithoutAnInterval_data();
     void tickWithoutAnInterval();
+    void delayOfTheTickIsPassedOn();
     void logLineFollowsTheCall();
     void tickIsRefusedButLogged();
     void tickWaitsForTheSettingsDialog();
@@ -148,6 +149,21 @@ void tst_ClientSchedule::tickWithoutAnInterval()
     QVERIFY(!isRequesting(client));
     QVERIFY(fixture.log.lines(1).isEmpty());
     QVERIFY(client.record().lastCheck.isNull());
+}
+
+void tst_ClientSchedule::delayOfTheTickIsPassedOn()
+{
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    writeSchedule(1, true);
+    QVERIFY(QMetaObject::invokeMethod(&client, "queryLastUpdate", Qt::DirectConnection,
+                                      Q_ARG(int, 60000)));
+    QCOMPARE(client.delayTimers().size(), 1);
+    QCOMPARE(client.delayTimers().first()->interval(), 60000);
+    QVERIFY(!isRequesting(client));
+    QVERIFY(client.record().lastCheck.isNull());
+    QCOMPARE(fixture.log.lines(1).size(), 1);
+    QVERIFY(fixture.log.contains(1, firedLine(1)));
 }
 
 void tst_ClientSchedule::logLineFollowsTheCall()

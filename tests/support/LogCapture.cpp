@@ -8,11 +8,30 @@ constexpr int levels[] = {1, 2, 3};
 
 } // namespace
 
+LogCapture::Recorder::Recorder(int level, std::vector<Line>& lines)
+    : m_level(level)
+    , m_lines(lines)
+{}
+
+// Without a buffer every character comes here.
+LogCapture::Recorder::int_type LogCapture::Recorder::overflow(int_type character)
+{
+    if (character != '\n') {
+        m_begun.push_back(traits_type::to_char_type(character));
+    } else if (!m_begun.empty()) {
+        m_lines.push_back({m_level, m_begun});
+        m_begun.clear();
+    }
+    return traits_type::not_eof(character);
+}
+
 LogCapture::LogCapture()
     : m_previousLevel(Log::instance().logLevel())
 {
     for (const int level : levels) {
-        Log::instance().setStream(static_cast<Log::ELevel>(level), &m_streams[level]);
+        m_recorders.emplace_back(level, m_lines);
+        m_streams.emplace_back(&m_recorders.back());
+        Log::instance().setStream(static_cast<Log::ELevel>(level), &m_streams.back());
     }
     Log::instance().setLogLevel(1);
 }
@@ -27,8 +46,22 @@ LogCapture::~LogCapture()
 
 QStringList LogCapture::lines(int level) const
 {
-    const QString text = QString::fromStdString(m_streams.at(level).str());
-    return text.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    QStringList texts;
+    for (const Line& line : m_lines) {
+        if (line.level == level) {
+            texts << QString::fromStdString(line.text);
+        }
+    }
+    return texts;
+}
+
+QStringList LogCapture::allLines() const
+{
+    QStringList texts;
+    for (const Line& line : m_lines) {
+        texts << QString::number(line.level) + QLatin1Char(' ') + QString::fromStdString(line.text);
+    }
+    return texts;
 }
 
 int LogCapture::count(int level, const QString& text) const
@@ -44,9 +77,7 @@ int LogCapture::count(int level, const QString& text) const
 
 void LogCapture::clear()
 {
-    for (auto& stream : m_streams) {
-        stream.second.str({});
-    }
+    m_lines.clear();
 }
 
 } // namespace vx::test

@@ -2,8 +2,11 @@
 
 #include <QStringList>
 
-#include <map>
-#include <sstream>
+#include <list>
+#include <ostream>
+#include <streambuf>
+#include <string>
+#include <vector>
 
 #include "host/Core/Log.h"
 
@@ -26,6 +29,9 @@ public:
     /** The lines of @p level so far, each with the prefix that the log gave it. */
     QStringList lines(int level) const;
 
+    /** The lines of all levels in the order in which they came, as in "3 " and the line. */
+    QStringList allLines() const;
+
     /** How many lines of @p level end with @p text. */
     int count(int level, const QString& text) const;
 
@@ -36,7 +42,30 @@ public:
     void clear();
 
 private:
-    std::map<int, std::ostringstream> m_streams;
+    struct Line
+    {
+        int level;
+        std::string text;
+    };
+
+    /** Adds what one level writes to the lines of all. */
+    class Recorder : public std::streambuf
+    {
+    public:
+        Recorder(int level, std::vector<Line>& lines);
+
+    protected:
+        int_type overflow(int_type character) override;
+
+    private:
+        const int m_level;
+        std::vector<Line>& m_lines;
+        std::string m_begun;
+    };
+
+    std::vector<Line> m_lines;
+    std::list<Recorder> m_recorders;
+    std::list<std::ostream> m_streams;
     int m_previousLevel;
 };
 

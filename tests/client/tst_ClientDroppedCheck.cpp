@@ -1,0 +1,108 @@
+#include <QTimer>
+#include <QtTest>
+
+#include "tests/client/ClientFixture.h"
+#include "tests/client/SilentServer.h"
+#include "tests/support/TestMain.h"
+
+using namespace vx;
+using namespace vx::test;
+
+namespace {
+
+const QString timeoutLine = QStringLiteral(
+    "SoftwareUpdateClient::requestTimeout() -> Timeout occurred requesting update server!");
+const QString upToDateLine =
+    QStringLiteral("SoftwareUpdateClient::productUpToDate() -> product is up to date!");
+const QString evaluation = QStringLiteral("SoftwareUpdateClient::evaluateServerResponse() -> ");
+
+QList<PackageFields> nothingNew()
+{
+    PackageFields fields = applicationPackage();
+    fields[QStringLiteral("release")] = QStringLiteral("0.1");
+    return {fields};
+}
+
+} // namespace
+
+// A check that is over takes its request with it, and is not in the way of the next one.
+class tst_ClientDroppedCheck : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void requestGoesWithTheCheck_data();
+    void requestGoesWithTheCheck();
+    void droppedCheckIsNotEvaluated();
+    void checkAfterATimeout();
+};
+
+void tst_ClientDroppedCheck::requestGoesWithTheCheck_data()
+{
+    QTest::addColumn<QString>("end");
+    for (const char* end : {"up to date", "error", "timeout"}) {
+        QTest::newRow(end) << end;
+    }
+}
+
+void tst_ClientDroppedCheck::requestGoesWithTheCheck()
+{
+    QFETCH(QString, end);
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    SilentServer server;
+    writeStored("serverURL", server.url());
+    client.checkForUpdate();
+    QTRY_VERIFY(server.isAwaited());
+    if (end == "up to date") {
+        client.productUpToDate();
+    } else if (end == "error") {
+        QVERIFY(QMetaObject::invokeMethod(&client, "requestError", Qt::DirectConnection,
+                                          Q_ARG(QString, "some error")));
+    } else {
+        client.call("requestTimeout");
+    }
+    QTRY_VERIFY(!server.isAwaited());
+    QVERIFY(!fixture.log.lines(1).join('\n').contains(evaluation));
+
+    writeStored("serverURL", fixture.server.url().toString());
+    fixture.offer(nothingNew());
+    QVERIFY(fixture.check());
+    QCOMPARE(fixture.log.count(1, evaluation + "product is up-to-date "), 1);
+}
+
+void tst_ClientDroppedCheck::droppedCheckIsNotEvaluated()
+{
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    fixture.offer(nothingNew());
+    client.checkForUpdate();
+    client.call("deleteNetworkmanager");
+    client.call("deleteNetworkmanager");
+    deleteDeferred();
+    QTest::qWait(50);
+    QVERIFY(!fixture.log.lines(1).join('\n').contains(evaluation));
+    QVERIFY(fixture.check());
+    QVERIFY(fixture.log.contains(1, upToDateLine));
+}
+
+void tst_ClientDroppedCheck::checkAfterATimeout()
+{
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    ServedReply silent;
+    silent.fault = ServedReply::Silent;
+    fixture.server.setReply("/", silent);
+    client.checkForUpdate();
+    QTimer* timer = client.requestTimer();
+    timer->start(20);
+    QTRY_VERIFY(fixture.log.contains(3, timeoutLine));
+    fixture.offer(nothingNew());
+    client.checkForUpdate();
+    QCOMPARE(timer->interval(), 15000);
+    QTRY_VERIFY(fixture.log.contains(1, upToDateLine));
+    QCOMPARE(fixture.log.lines(3).size(), 1);
+}
+
+VX_TEST_MAIN(tst_ClientDroppedCheck)
+#include "tst_ClientDroppedCheck.moc"
