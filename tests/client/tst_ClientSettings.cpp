@@ -65,9 +65,6 @@ private slots:
     void enablingAndDisablingAreNotStored();
     void parentOfLaterDialogs();
     void parentThatIsGone();
-    void formatAndScopeAreTheHosts();
-    void noGroupIsLeftOpen();
-    void unwritableStoreIsNotNoticed();
     void slotTables();
 };
 
@@ -411,51 +408,6 @@ void tst_ClientSettings::parentThatIsGone()
     client.setParent(&other);
     delete former;
     QCOMPARE(fixture.openSettingsDialog()->parentWidget(), &other);
-}
-
-void tst_ClientSettings::formatAndScopeAreTheHosts()
-{
-    QCOMPARE(SoftwareUpdateClient::sSoftUpQSettingsFormat, QSettings::NativeFormat);
-    QCOMPARE(SoftwareUpdateClient::sSoftUpQSettingsScope, QSettings::UserScope);
-    QTemporaryDir folder;
-    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, folder.path());
-    {
-        ClientFixture fixture;
-        SoftwareUpdateClient::sSoftUpQSettingsFormat = QSettings::IniFormat;
-        fixture.start();
-        QVERIFY(storedKeys().isEmpty());
-        const QSettings ini(folder.filePath("Fixture Works/Fixture Application.ini"),
-                            QSettings::IniFormat);
-        QCOMPARE(ini.value("product").toString(), QStringLiteral("Fixture Product"));
-    }
-    SoftwareUpdateClient::sSoftUpQSettingsFormat = QSettings::NativeFormat;
-}
-
-void tst_ClientSettings::noGroupIsLeftOpen()
-{
-    ClientFixture fixture;
-    fixture.start().setCurrentCameraVersions(cameras({{"M15", "1.5"}}));
-    for (const QString& key : storedKeys()) {
-        QVERIFY2(!key.contains('/'), qPrintable(key));
-    }
-}
-
-void tst_ClientSettings::unwritableStoreIsNotNoticed()
-{
-    QTemporaryDir folder;
-    QFile occupied(folder.filePath("Fixture Works"));
-    QVERIFY(occupied.open(QIODevice::WriteOnly)); // a file where the folder would have to be
-    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, folder.path());
-    {
-        ClientFixture fixture;
-        SoftwareUpdateClient::sSoftUpQSettingsFormat = QSettings::IniFormat;
-        TestClient& client = fixture.start();
-        client.setVersionNumber(VersionNumber("2.0"));
-        QCOMPARE(client.record().doUpdateCheck, true);
-        QVERIFY(client.hourlyTimer()->isActive());
-        QVERIFY(fixture.log.lines(3).isEmpty());
-    }
-    SoftwareUpdateClient::sSoftUpQSettingsFormat = QSettings::NativeFormat;
 }
 
 void tst_ClientSettings::slotTables()

@@ -27,6 +27,7 @@ private slots:
     void init();
     void storeHasItsOwnName();
     void organizationAloneIsUsed();
+    void applicationAloneIsUsed();
     void anyNameIsACandidate();
 };
 
@@ -56,6 +57,14 @@ void tst_ClientUnnamedApplication::organizationAloneIsUsed()
     const TestClient client("Product", VersionNumber("1.0"), "http://default.example/", nullptr);
     const QSettings named(QSettings::NativeFormat, QSettings::UserScope, "Some Works",
                           "softwareUpdate");
+    QCOMPARE(named.value("product").toString(), QStringLiteral("Product"));
+}
+
+void tst_ClientUnnamedApplication::applicationAloneIsUsed()
+{
+    QCoreApplication::setApplicationName("Some Program");
+    const TestClient client("Product", VersionNumber("1.0"), "http://default.example/", nullptr);
+    const QSettings named(QSettings::NativeFormat, QSettings::UserScope, "Veldrix", "Some Program");
     QCOMPARE(named.value("product").toString(), QStringLiteral("Product"));
 }
 
