@@ -56,6 +56,7 @@ private slots:
     void modality();
     void windowFlags();
     void secondCallRefreshes();
+    void secondCallComesToTheFront();
     void okStoresAndCloses();
     void cancelStoresNothing();
     void escapeStoresNothing();
@@ -102,6 +103,8 @@ void tst_ClientSettingsDialog::firstOpeningHasNoLastCheck()
     fixture.start();
     const SoftwareUpdateDialog* dialog = fixture.openSettingsDialog();
     QCOMPARE(dialog->findChild<QLabel*>("lastCheckDateLabel")->text(), QString());
+    QVERIFY(!dialog->findChild<QLabel*>("lastCheckLabel")->isVisible());
+    QVERIFY(dialog->findChild<QLabel*>("currentVersionLabel")->isVisible());
 }
 
 void tst_ClientSettingsDialog::modality_data()
@@ -163,6 +166,20 @@ void tst_ClientSettingsDialog::secondCallRefreshes()
     QCOMPARE(shown.serverURL, fixture.server.url().toString());
     QCOMPARE(shown.updateInterval, 3);
     QCOMPARE(dialog->findChild<QLabel*>("updateNotificationLabel")->text(), QString());
+}
+
+void tst_ClientSettingsDialog::secondCallComesToTheFront()
+{
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    client.queryForUpdate(Qt::WindowFlags(), false);
+    const SoftwareUpdateDialog* dialog = settingsDialog();
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    QTRY_VERIFY(other.isActiveWindow());
+    client.queryForUpdate();
+    QTRY_VERIFY(dialog->isActiveWindow());
 }
 
 void tst_ClientSettingsDialog::okStoresAndCloses()
@@ -284,6 +301,7 @@ void tst_ClientSettingsDialog::openedFromTheListOfPackages()
     QVERIFY(settingsDialog());
     QVERIFY(settingsDialog()->isModal());
     QVERIFY(hasFlags(settingsDialog(), dialogFlags(false)));
+    QVERIFY(!hasFlags(settingsDialog(), Qt::WindowMaximizeButtonHint));
     QVERIFY(!hasFlags(settingsDialog(), Qt::WindowStaysOnTopHint));
 }
 

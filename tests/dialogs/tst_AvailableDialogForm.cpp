@@ -86,6 +86,7 @@ private slots:
     void ordersItems();
     void splitsTableFromComment();
     void setsUpDialog();
+    void fitsItsSizeToAllOfTheForm();
     void keepsForeignObjectName();
     void takesParentAndFlags();
 };
@@ -171,6 +172,23 @@ void AvailableDialogFormTest::setsUpDialog()
     QCOMPARE(real.windowTitle(), dialog.windowTitle());
     QCOMPARE(differences(real, expected), QString());
     QCOMPARE(real.layout()->objectName(), QString("verticalLayout"));
+}
+
+// The room of the comment, which is hidden afterwards, included. With texts of ordinary size either
+// would be more than the two thirds of the screen that a new dialog may take.
+void AvailableDialogFormTest::fitsItsSizeToAllOfTheForm()
+{
+    const QFont ordinary = QApplication::font();
+    QFont small = ordinary;
+    small.setPixelSize(4);
+    QApplication::setFont(small);
+    QDialog dialog;
+    Ui_SoftwareUpdateAvailableGui form;
+    form.setupUi(&dialog);
+    dialog.adjustSize();
+    const vx::SoftwareUpdateAvailableDialog real(nullptr, {});
+    QApplication::setFont(ordinary);
+    QCOMPARE(real.size(), dialog.size());
 }
 
 void AvailableDialogFormTest::keepsForeignObjectName()
