@@ -103,6 +103,15 @@ PackageFields cameraPackage()
     return fields;
 }
 
+PackageFields changed(PackageFields fields,
+                      std::initializer_list<std::pair<const char*, const char*>> with)
+{
+    for (const auto& field : with) {
+        fields[QString::fromLatin1(field.first)] = QString::fromUtf8(field.second);
+    }
+    return fields;
+}
+
 QByteArray catalogueXml(const QList<PackageFields>& packages)
 {
     QString text = QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?><softwareList>");

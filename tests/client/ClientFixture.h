@@ -8,7 +8,9 @@
 #include <QUrl>
 #include <QVariant>
 
+#include <initializer_list>
 #include <memory>
+#include <utility>
 
 #include "client/SoftwareUpdateClient.h"
 #include "tests/client/BoxWatcher.h"
@@ -57,6 +59,10 @@ PackageFields applicationPackage();
 
 /** A firmware package of release 2.0 for the camera "M15". */
 PackageFields cameraPackage();
+
+/** @p fields with some replaced or added; texts are UTF-8. */
+PackageFields changed(PackageFields fields,
+                      std::initializer_list<std::pair<const char*, const char*>> with);
 
 QByteArray catalogueXml(const QList<PackageFields>& packages);
 

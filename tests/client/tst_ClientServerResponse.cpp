@@ -14,15 +14,6 @@ using namespace vx::test;
 
 namespace {
 
-PackageFields changed(PackageFields fields,
-                      std::initializer_list<std::pair<const char*, const char*>> with)
-{
-    for (const auto& field : with) {
-        fields[QString::fromLatin1(field.first)] = QString::fromUtf8(field.second);
-    }
-    return fields;
-}
-
 /** What is offered: the name and release of each row, and whether it is offered as firmware. */
 QStringList offered()
 {
