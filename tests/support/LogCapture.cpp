@@ -1,5 +1,7 @@
 #include "tests/support/LogCapture.h"
 
+#include "host/Core/MutexLocker.h"
+
 namespace vx::test {
 
 namespace {
@@ -46,6 +48,7 @@ LogCapture::~LogCapture()
 
 QStringList LogCapture::lines(int level) const
 {
+    const MutexLocker locker(Log::instance().mutex(), true);
     QStringList texts;
     for (const Line& line : m_lines) {
         if (line.level == level) {
@@ -57,6 +60,7 @@ QStringList LogCapture::lines(int level) const
 
 QStringList LogCapture::allLines() const
 {
+    const MutexLocker locker(Log::instance().mutex(), true);
     QStringList texts;
     for (const Line& line : m_lines) {
         texts << QString::number(line.level) + QLatin1Char(' ') + QString::fromStdString(line.text);
@@ -77,6 +81,7 @@ int LogCapture::count(int level, const QString& text) const
 
 void LogCapture::clear()
 {
+    const MutexLocker locker(Log::instance().mutex(), true);
     m_lines.clear();
 }
 
