@@ -61,7 +61,7 @@ QString CataloguePackage::label() const
 
 FieldOrigin CataloguePackage::find(const QString& tag) const
 {
-    for (const CatalogueLevel* level = start; level != nullptr; level = level->parent) {
+    for (const TreeLevel* level = start; level != nullptr; level = level->parent) {
         const auto values = level->fields.constFind(tag);
         if (values != level->fields.constEnd()) {
             return {level, values->first()};
@@ -113,10 +113,10 @@ void CatalogueTree::numberElements(const QDomElement& root, const QVector<TextPo
     }
 }
 
-CatalogueLevel* CatalogueTree::addLevel(CatalogueLevel::Kind kind, const QDomElement& element,
-                                        const CatalogueLevel* parent)
+TreeLevel* CatalogueTree::addLevel(TreeLevel::Kind kind, const QDomElement& element,
+                                   const TreeLevel* parent)
 {
-    auto level = std::make_unique<CatalogueLevel>();
+    auto level = std::make_unique<TreeLevel>();
     level->kind = kind;
     level->element = element;
     level->position = positionOf(element);
@@ -126,9 +126,9 @@ CatalogueLevel* CatalogueTree::addLevel(CatalogueLevel::Kind kind, const QDomEle
     return m_levels.back().get();
 }
 
-void CatalogueTree::readSet(const QDomElement& element, const CatalogueLevel* parent)
+void CatalogueTree::readSet(const QDomElement& element, const TreeLevel* parent)
 {
-    CatalogueLevel* set = addLevel(CatalogueLevel::Set, element, parent);
+    TreeLevel* set = addLevel(TreeLevel::Set, element, parent);
     const size_t firstPackage = m_packages.size();
     const QList<QDomElement> children = childElements(element);
     for (const QDomElement& child : children) {
@@ -144,23 +144,23 @@ void CatalogueTree::readSet(const QDomElement& element, const CatalogueLevel* pa
     set->packageCount = static_cast<int>(m_packages.size() - firstPackage);
 }
 
-void CatalogueTree::readPackage(const QDomElement& element, CatalogueLevel* set)
+void CatalogueTree::readPackage(const QDomElement& element, TreeLevel* set)
 {
     CataloguePackage package;
-    CatalogueLevel* level = addLevel(CatalogueLevel::Package, element, set);
+    TreeLevel* level = addLevel(TreeLevel::Package, element, set);
     level->packageCount = 1;
     package.package = level;
     package.start = level;
     const QDomElement file = element.firstChildElement(DownloadManager::FILE);
     if (!file.isNull()) {
-        CatalogueLevel* fileLevel = addLevel(CatalogueLevel::File, file, level);
+        TreeLevel* fileLevel = addLevel(TreeLevel::File, file, level);
         fileLevel->packageCount = 1;
         package.start = fileLevel;
     }
     m_packages.push_back(package);
 }
 
-void CatalogueTree::readFields(CatalogueLevel& level)
+void CatalogueTree::readFields(TreeLevel& level)
 {
     for (const QDomElement& child : childElements(level.element)) {
         readChild(level, child);
@@ -168,7 +168,7 @@ void CatalogueTree::readFields(CatalogueLevel& level)
     readAttributes(level);
 }
 
-void CatalogueTree::readChild(CatalogueLevel& level, const QDomElement& child)
+void CatalogueTree::readChild(TreeLevel& level, const QDomElement& child)
 {
     const QString name = child.tagName();
     if (isField(name)) {
@@ -177,10 +177,10 @@ void CatalogueTree::readChild(CatalogueLevel& level, const QDomElement& child)
             readUrlEntry(child);
         }
     } else if (name == DownloadManager::PACKAGE || name == DownloadManager::PACKAGE_SET) {
-        if (level.kind != CatalogueLevel::Set) {
+        if (level.kind != TreeLevel::Set) {
             noteStray(StrayMarkup::Unvisited, child, name);
         }
-    } else if (name == DownloadManager::FILE && level.kind == CatalogueLevel::Package) {
+    } else if (name == DownloadManager::FILE && level.kind == TreeLevel::Package) {
         if (child != level.element.firstChildElement(DownloadManager::FILE)) {
             noteStray(StrayMarkup::FurtherFile, child, name);
         }
@@ -189,7 +189,7 @@ void CatalogueTree::readChild(CatalogueLevel& level, const QDomElement& child)
     }
 }
 
-void CatalogueTree::readAttributes(CatalogueLevel& level)
+void CatalogueTree::readAttributes(TreeLevel& level)
 {
     const QDomNamedNodeMap attributes = level.element.attributes();
     for (int i = 0; i < attributes.count(); ++i) {

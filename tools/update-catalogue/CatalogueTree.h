@@ -26,7 +26,7 @@ struct FieldValue
 };
 
 /** One level of the climb from a package to the root: a set, a package or a file. */
-struct CatalogueLevel
+struct TreeLevel
 {
     enum Kind { Set, Package, File };
 
@@ -34,7 +34,7 @@ struct CatalogueLevel
     QDomElement element;
     TextPosition position;
     /** The next level outwards; null for the root. */
-    const CatalogueLevel* parent = nullptr;
+    const TreeLevel* parent = nullptr;
     /** Known fields of this level alone, by name; those of one name in the order of the search. */
     QMap<QString, QList<FieldValue>> fields;
     /** How many packages stand in this level, at any depth. */
@@ -45,7 +45,7 @@ struct CatalogueLevel
 struct FieldOrigin
 {
     /** Null if no level has the field. */
-    const CatalogueLevel* level = nullptr;
+    const TreeLevel* level = nullptr;
     FieldValue value;
 
     explicit operator bool() const { return level != nullptr; }
@@ -55,9 +55,9 @@ struct FieldOrigin
 struct CataloguePackage
 {
     PackageInfo info;
-    const CatalogueLevel* package = nullptr;
+    const TreeLevel* package = nullptr;
     /** The first "file" child, or the package itself: where every search begins. */
-    const CatalogueLevel* start = nullptr;
+    const TreeLevel* start = nullptr;
 
     /** What people call it: name and release, for messages. */
     QString label() const;
@@ -93,7 +93,7 @@ public:
     const std::vector<CataloguePackage>& packages() const { return m_packages; }
 
     /** Every set, package and file that is visited, from the root on. */
-    const std::vector<std::unique_ptr<CatalogueLevel>>& levels() const { return m_levels; }
+    const std::vector<std::unique_ptr<TreeLevel>>& levels() const { return m_levels; }
 
     /** What nobody reads. */
     const QList<StrayMarkup>& strays() const { return m_strays; }
@@ -103,19 +103,18 @@ public:
 
 private:
     void numberElements(const QDomElement& element, const QVector<TextPosition>& positions);
-    CatalogueLevel* addLevel(CatalogueLevel::Kind kind, const QDomElement& element,
-                             const CatalogueLevel* parent);
-    void readSet(const QDomElement& element, const CatalogueLevel* parent);
-    void readPackage(const QDomElement& element, CatalogueLevel* set);
-    void readFields(CatalogueLevel& level);
-    void readChild(CatalogueLevel& level, const QDomElement& child);
-    void readAttributes(CatalogueLevel& level);
+    TreeLevel* addLevel(TreeLevel::Kind kind, const QDomElement& element, const TreeLevel* parent);
+    void readSet(const QDomElement& element, const TreeLevel* parent);
+    void readPackage(const QDomElement& element, TreeLevel* set);
+    void readFields(TreeLevel& level);
+    void readChild(TreeLevel& level, const QDomElement& child);
+    void readAttributes(TreeLevel& level);
     void noteStray(StrayMarkup::Kind kind, const QDomElement& element, const QString& name);
     void readUrlEntry(const QDomElement& element);
 
     std::unique_ptr<QDomDocument> m_document;
     QMap<QPair<int, int>, TextPosition> m_positions;
-    std::vector<std::unique_ptr<CatalogueLevel>> m_levels;
+    std::vector<std::unique_ptr<TreeLevel>> m_levels;
     std::vector<CataloguePackage> m_packages;
     QList<StrayMarkup> m_strays;
 };

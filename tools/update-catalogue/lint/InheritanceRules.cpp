@@ -9,7 +9,7 @@ namespace vx::rules {
 namespace {
 
 /** The first value with a text above @p level. */
-FieldOrigin hiddenValue(const CatalogueLevel* level, const QString& field)
+FieldOrigin hiddenValue(const TreeLevel* level, const QString& field)
 {
     for (level = level->parent; level != nullptr; level = level->parent) {
         const QList<FieldValue> values = level->fields.value(field);
@@ -20,7 +20,7 @@ FieldOrigin hiddenValue(const CatalogueLevel* level, const QString& field)
     return {};
 }
 
-QStringSet wordsOf(const CatalogueLevel& level, const QString& field)
+QStringSet wordsOf(const TreeLevel& level, const QString& field)
 {
     QStringSet words;
     for (const FieldValue& value : level.fields.value(field)) {
