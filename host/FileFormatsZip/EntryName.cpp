@@ -17,6 +17,9 @@ constexpr char16_t codePage437[] = u"ÇüéâäàåçêëèïîìÄÅÉæÆôö�
 constexpr int longestPart = 255;
 constexpr int longestName = 4095;
 
+// Ten times as deep as installers are. Every part is a folder to be made, opened and removed again.
+constexpr int mostParts = 128;
+
 QString fromCodePage437(const QByteArray& raw)
 {
     QString text;
@@ -39,9 +42,8 @@ bool startsWithDriveLetter(const QString& name)
            name.at(0).isLetter();
 }
 
-bool isTooLong(const QString& name)
+bool isTooLong(const QString& name, const QStringList& parts)
 {
-    const QStringList parts = nameParts(name);
     return name.toUtf8().size() > longestName ||
            std::any_of(parts.begin(), parts.end(),
                        [](const QString& part) { return part.toUtf8().size() > longestPart; });
@@ -82,7 +84,11 @@ QString pathFlaw(const QString& path)
     if (startsWithDriveLetter(path)) {
         return QStringLiteral("has a name with a drive letter");
     }
-    return isTooLong(path) ? QStringLiteral("has a name that is too long") : QString();
+    const QStringList parts = nameParts(path);
+    if (isTooLong(path, parts)) {
+        return QStringLiteral("has a name that is too long");
+    }
+    return parts.size() > mostParts ? QStringLiteral("has a name with too many parts") : QString();
 }
 
 QString nameFlaw(const QString& name)

@@ -21,7 +21,7 @@ QString nameKey(const QString& name);
 /**
  * What makes a path unfit as a name and as the target of a link, as "has a name with a backslash";
  * empty if nothing does. Flaws are an empty or absolute path, a drive letter, a backslash, a
- * control character, and more characters than file systems take.
+ * control character, more characters than file systems take, and more than 128 parts.
  */
 QString pathFlaw(const QString& path);
 

@@ -53,30 +53,44 @@ bool Extraction::run()
 
 bool Extraction::unpack()
 {
-    requireLinksInside(m_plan, [this](const QStringList& parts) { return m_target.isLink(parts); });
+    requireLinksInside(m_plan, m_target, m_state.canceled);
+    if (m_state.canceled) {
+        return false;
+    }
     requireSpace();
     makeFolders();
     writeFiles();
     // Links come after all files, so that no file can be written through one.
     makeLinks();
-    if (m_state.canceled) {
-        return false;
-    }
-    // From here it is too late to cancel: a folder may become shut to what would remove it again.
     setFolderAttributes();
-    return true;
+    return !m_state.canceled;
 }
 
 void Extraction::removeMade()
 {
+    reopenFolders();
     removeMadeOf(m_plan.links);
     removeMadeOf(m_plan.files);
+    FolderCursor cursor(m_target, m_plan);
     for (size_t i = m_plan.folders.size(); i-- > 1;) {
-        if (m_plan.folders[i].isMade) {
-            m_target.removeFolder(m_plan.folders[i].path);
+        const PlannedFolder& folder = m_plan.folders[i];
+        if (folder.isMade) {
+            ::unlinkat(cursor.open(folder.parent).get(), folder.name.constData(), AT_REMOVEDIR);
         }
     }
     m_target.removeIfMade();
+}
+
+/** Gives the owner back the folders that have their final mode, for it may keep even him out. */
+void Extraction::reopenFolders()
+{
+    FolderCursor cursor(m_target, m_plan);
+    for (const PlannedFolder& folder : m_plan.folders) {
+        if (folder.isShut) {
+            ::fchmodat(cursor.open(folder.parent).get(), folder.name.constData(), S_IRWXU,
+                       AT_SYMLINK_NOFOLLOW);
+        }
+    }
 }
 
 /** Removes those of @p items, which are files or links, that were made. */
@@ -108,9 +122,28 @@ void Extraction::requireSpace() const
 
 void Extraction::makeFolders()
 {
+    FolderCursor cursor(m_target, m_plan);
     for (size_t i = 1; i < m_plan.folders.size() && !m_state.canceled; ++i) {
-        m_plan.folders[i].isMade = m_target.makeFolder(m_plan.folders[i].path);
+        makeFolder(static_cast<int>(i), cursor);
     }
+}
+
+void Extraction::makeFolder(int index, FolderCursor& cursor)
+{
+    PlannedFolder& folder = m_plan.folders[static_cast<size_t>(index)];
+    const FileDescriptor& parent = cursor.require(folder.parent);
+    // For the owner alone until everything is in it, and writable even if its mode will not be.
+    folder.isMade = ::mkdirat(parent.get(), folder.name.constData(), S_IRWXU) == 0;
+    if (folder.isMade) {
+        return;
+    }
+    if (errno != EEXIST) {
+        failWithErrno(QStringLiteral("create the folder %1")
+                          .arg(quoted(QString::fromUtf8(m_plan.pathOf(index)))),
+                      errno);
+    }
+    // What is there must be a folder.
+    cursor.require(index);
 }
 
 void Extraction::writeFiles()
@@ -140,18 +173,19 @@ void Extraction::makeLinks()
 
 void Extraction::setFolderAttributes()
 {
+    FolderCursor cursor(m_target, m_plan);
     // Children first: a folder's time changes with its content, and its mode may shut it.
-    for (size_t i = m_plan.folders.size(); i-- > 1;) {
-        const PlannedFolder& folder = m_plan.folders[i];
+    for (size_t i = m_plan.folders.size(); i-- > 1 && !m_state.canceled;) {
+        PlannedFolder& folder = m_plan.folders[i];
         if (!folder.isMade) {
             continue;
         }
-        const FileDescriptor descriptor = m_target.requireFolder(folder.path);
         timespec modified = folder.modified;
         if (!folder.isListed) {
             modified.tv_nsec = UTIME_NOW;
         }
-        setAttributes(descriptor, folder.mode, modified, folder.path);
+        folder.isShut = true;
+        setAttributes(cursor.require(static_cast<int>(i)), folder.mode, modified, folder.name);
     }
 }
 

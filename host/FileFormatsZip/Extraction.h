@@ -11,6 +11,8 @@
 
 namespace vx {
 
+class FolderCursor;
+
 /** What the thread that watches an extraction and the threads that do it share. */
 struct ExtractionState
 {
@@ -52,9 +54,11 @@ public:
 private:
     template <typename Item>
     void removeMadeOf(const std::vector<Item>& items);
+    void reopenFolders();
     bool unpack();
     void requireSpace() const;
     void makeFolders();
+    void makeFolder(int index, FolderCursor& cursor);
     void writeFiles();
     void makeLinks();
     void setFolderAttributes();

@@ -7,11 +7,6 @@ namespace vx {
 
 namespace {
 
-QString keyOf(const QStringList& parts)
-{
-    return nameKey(parts.join(QLatin1Char('/')));
-}
-
 void requireAcceptable(const ArchiveEntry& entry)
 {
     const QString flaw = nameFlaw(entry.name);
@@ -37,18 +32,32 @@ void requireAcceptable(const ArchiveEntry& entry)
 
 } // namespace
 
-ExtractionPlan::ExtractionPlan(const ArchiveIndex& entries, bool flat)
+ExtractionPlan::ExtractionPlan(const ArchiveIndex& entries, bool flat,
+                               const std::atomic<bool>& canceled)
 {
     folders.emplace_back();
     for (const ArchiveEntry& entry : entries) {
+        if (canceled) {
+            return;
+        }
         requireAcceptable(entry);
         add(entry, flat);
     }
 }
 
-ExtractionPlan::Node ExtractionPlan::find(const QStringList& parts) const
+ExtractionPlan::Node ExtractionPlan::find(int folder, const QString& name) const
 {
-    return parts.isEmpty() ? Node{Folder, 0} : m_nodes.value(keyOf(parts));
+    return m_nodes.value({folder, nameKey(name)});
+}
+
+QByteArray ExtractionPlan::pathOf(int folder) const
+{
+    QByteArray path;
+    for (int at = folder; at != 0; at = folders[static_cast<size_t>(at)].parent) {
+        const QByteArray& name = folders[static_cast<size_t>(at)].name;
+        path = path.isEmpty() ? name : name + '/' + path;
+    }
+    return path;
 }
 
 void ExtractionPlan::add(const ArchiveEntry& entry, bool flat)
@@ -70,7 +79,7 @@ void ExtractionPlan::add(const ArchiveEntry& entry, bool flat)
     const int folder = requireFolder(parts, entry.name);
     const bool isLink = entry.kind == ArchiveEntry::Link;
     const auto index = static_cast<int>(isLink ? links.size() : files.size());
-    occupy(parts + QStringList(name), {isLink ? Link : File, index}, entry.name);
+    occupy(folder, name, {isLink ? Link : File, index}, entry.name);
     if (isLink) {
         addLink(entry, folder, name.toUtf8());
     } else {
@@ -122,33 +131,53 @@ void ExtractionPlan::addLink(const ArchiveEntry& entry, int folder, const QByteA
 /** The index of the folder made of @p parts, planned with all folders above if need be. */
 int ExtractionPlan::requireFolder(const QStringList& parts, const QString& wantedBy)
 {
-    const Node found = find(parts);
-    if (found.kind == Folder) {
+    int folder = 0;
+    for (const QString& part : parts) {
+        folder = requireFolder(folder, part, wantedBy);
+    }
+    return folder;
+}
+
+int ExtractionPlan::requireFolder(int parent, const QString& name, const QString& wantedBy)
+{
+    const Node found = find(parent, name);
+    switch (found.kind) {
+    case Folder:
         return found.index;
-    }
-    if (found.kind == Link) {
+    case Link:
         refuse(wantedBy, QStringLiteral("lies behind a symbolic link"));
-    }
-    if (found.kind == File) {
+    case File:
         refuse(wantedBy, QStringLiteral("needs a folder where there is a file"));
+    case Nothing:
+        break;
     }
-    requireFolder(parts.mid(0, parts.size() - 1), wantedBy);
+    return planFolder(parent, name);
+}
+
+int ExtractionPlan::planFolder(int parent, const QString& name)
+{
+    if (folders.size() > mostFolders) {
+        fail(QStringLiteral("The archive is refused: it needs more than %1 folders.")
+                 .arg(mostFolders));
+    }
     const auto index = static_cast<int>(folders.size());
-    occupy(parts, {Folder, index}, wantedBy);
     PlannedFolder folder;
-    folder.path = parts.join(QLatin1Char('/')).toUtf8();
+    folder.parent = parent;
+    folder.name = name.toUtf8();
     folders.push_back(folder);
+    m_nodes.insert({parent, nameKey(name)}, {Folder, index});
     return index;
 }
 
-void ExtractionPlan::occupy(const QStringList& parts, const Node& node, const QString& name)
+void ExtractionPlan::occupy(int folder, const QString& name, const Node& node,
+                            const QString& wantedBy)
 {
-    Node& place = m_nodes[keyOf(parts)];
+    Node& place = m_nodes[{folder, nameKey(name)}];
     if (place.kind == Folder) {
-        refuse(name, QStringLiteral("is a file where a folder is needed"));
+        refuse(wantedBy, QStringLiteral("is a file where a folder is needed"));
     }
     if (place.kind != Nothing) {
-        refuse(name, QStringLiteral("is contained twice"));
+        refuse(wantedBy, QStringLiteral("is contained twice"));
     }
     place = node;
 }

@@ -2,9 +2,11 @@
 
 #include <QByteArray>
 #include <QHash>
+#include <QPair>
 #include <QString>
 #include <QStringList>
 
+#include <atomic>
 #include <ctime>
 #include <vector>
 
@@ -12,14 +14,16 @@
 
 namespace vx {
 
-/** A folder to be there. Paths are relative to the target folder, in UTF-8. */
+/** A folder to be there. It knows its parent and not its path, which would grow with its depth. */
 struct PlannedFolder
 {
-    QByteArray path;
+    int parent = 0; ///< index among the planned folders
+    QByteArray name;
     bool isListed = false; ///< an entry of its own gives mode and time
     unsigned mode = 0755;
     timespec modified = {};
     bool isMade = false; ///< the job made it, so that the job may remove it
+    bool isShut = false; ///< it has its final mode, which may keep its owner out
 };
 
 /** A file to be written. */
@@ -49,14 +53,17 @@ struct PlannedLink
  *
  * Everything that the directory of the archive shows to be unacceptable is refused here: names that
  * lead out, two entries of one name, a file where a folder is needed, entries that lie behind a
- * link, special and encrypted entries, unknown methods.
+ * link, special and encrypted entries, unknown methods. Names are in UTF-8.
  */
 class ExtractionPlan
 {
 public:
     enum Kind { Nothing, Folder, File, Link };
 
-    /** What is planned at a path, and its index among its kind. */
+    /** Folders to be planned, those without an entry included: a bound for memory and time. */
+    static constexpr size_t mostFolders = CentralDirectory::mostEntries;
+
+    /** What is planned under a name, and its index among its kind. */
     struct Node
     {
         Kind kind = Nothing;
@@ -66,10 +73,11 @@ public:
     /**
      * Plans to unpack @p entries, all of an archive or some.
      *
-     * @param flat drops the folders: all files and links go directly into the target folder.
+     * @param flat     drops the folders: all files and links go directly into the target folder.
+     * @param canceled looked at between entries; once it is true, the plan stays incomplete.
      * @throws IOException
      */
-    ExtractionPlan(const ArchiveIndex& entries, bool flat);
+    ExtractionPlan(const ArchiveIndex& entries, bool flat, const std::atomic<bool>& canceled);
 
     std::vector<PlannedFolder> folders; ///< parents before children; the first is the target itself
     std::vector<PlannedFile> files;     ///< in the order of their data in the archive
@@ -78,8 +86,11 @@ public:
     /** Bytes of all files together. */
     qint64 totalSize() const { return m_totalSize; }
 
-    /** What is planned at the path made of @p parts; of kind Nothing if there is nothing. */
-    Node find(const QStringList& parts) const;
+    /** What is planned in a folder under @p name; of kind Nothing if there is nothing. */
+    Node find(int folder, const QString& name) const;
+
+    /** The path of a folder, relative to the target folder and in UTF-8. */
+    QByteArray pathOf(int folder) const;
 
 private:
     void add(const ArchiveEntry& entry, bool flat);
@@ -87,9 +98,12 @@ private:
     void addFile(const ArchiveEntry& entry, int folder, const QByteArray& name);
     void addLink(const ArchiveEntry& entry, int folder, const QByteArray& name);
     int requireFolder(const QStringList& parts, const QString& wantedBy);
-    void occupy(const QStringList& parts, const Node& node, const QString& name);
+    int requireFolder(int parent, const QString& name, const QString& wantedBy);
+    int planFolder(int parent, const QString& name);
+    void occupy(int folder, const QString& name, const Node& node, const QString& wantedBy);
 
-    QHash<QString, Node> m_nodes;
+    /** By the folder that they are in and the key of their name. */
+    QHash<QPair<int, QString>, Node> m_nodes;
     qint64 m_totalSize = 0;
 };
 

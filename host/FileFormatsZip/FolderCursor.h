@@ -1,53 +1,48 @@
 #pragma once
 
-#include "host/FileFormatsZip/ExtractionPlan.h"
-#include "host/FileFormatsZip/TargetFolder.h"
+#include <vector>
+
+#include "host/FileFormatsZip/FileDescriptor.h"
 
 namespace vx {
 
+class ExtractionPlan;
+class TargetFolder;
+
 /**
- * Opens planned folders one after the other and keeps the last one open, for entries of one folder
- * mostly follow each other. Belongs to one thread.
+ * Opens planned folders one after the other. It walks part by part and never follows a symbolic
+ * link. The last folder and those above it stay open, for the next one is mostly near: to open a
+ * folder costs about the same at any depth. Belongs to one thread.
  */
 class FolderCursor
 {
 public:
-    FolderCursor(const TargetFolder& target, const ExtractionPlan& plan)
-        : m_target(target)
-        , m_plan(plan)
-    {}
+    /** The references must outlive the object. */
+    FolderCursor(const TargetFolder& target, const ExtractionPlan& plan);
 
     /** The planned folder of that index, open until the next call; invalid if it can't be opened.
      */
-    const FileDescriptor& open(int index)
-    {
-        if (index != m_index) {
-            m_folder = m_target.openFolder(pathOf(index));
-            m_index = index;
-        }
-        return m_folder;
-    }
+    const FileDescriptor& open(int index);
 
     /** The same, but throws IOException if it can't be opened. */
-    const FileDescriptor& require(int index)
-    {
-        if (index != m_index) {
-            m_folder = m_target.requireFolder(pathOf(index));
-            m_index = index;
-        }
-        return m_folder;
-    }
+    const FileDescriptor& require(int index);
 
 private:
-    const QByteArray& pathOf(int index) const
+    struct Level
     {
-        return m_plan.folders[static_cast<size_t>(index)].path;
-    }
+        int index;
+        FileDescriptor folder;
+    };
+
+    std::vector<int> leaveFor(int index);
+    bool enter(int index);
+    const FileDescriptor& current() const;
 
     const TargetFolder& m_target;
     const ExtractionPlan& m_plan;
-    FileDescriptor m_folder;
-    int m_index = -1;
+    /** What is open, each within the one before it. The outermost may have been closed again. */
+    std::vector<Level> m_levels;
+    const FileDescriptor m_none;
 };
 
 } // namespace vx

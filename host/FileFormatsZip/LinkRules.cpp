@@ -1,8 +1,13 @@
 #include "host/FileFormatsZip/LinkRules.h"
 
+#include <QStringList>
+
+#include <vector>
+
 #include "host/FileFormatsZip/EntryName.h"
 #include "host/FileFormatsZip/ExtractionPlan.h"
 #include "host/FileFormatsZip/Failure.h"
+#include "host/FileFormatsZip/TargetFolder.h"
 
 namespace vx {
 
@@ -11,92 +16,183 @@ namespace {
 // As many as Linux follows before it speaks of a circle.
 constexpr int mostHops = 40;
 
+// Parts of targets to be walked for all links together: four for each entry that an archive may
+// hold. A few links through each other, packed to nothing, would otherwise take hours.
+constexpr qint64 mostSteps = 4000000;
+
 const QString up = QStringLiteral("..");
 
-/** Walks from a link to what it points at, as the system would, but on the plan. */
-class LinkWalk
+/** A place that a walk has come to: a planned folder or, by the parts from there, what is not. */
+struct Place
+{
+    int folder = 0;
+    QStringList below;
+    int existing = 0; ///< how many parts of these are on disk already
+};
+
+/** Where a link leads to, and through how many links, itself included. */
+struct End
+{
+    Place place;
+    int hops = 1;
+};
+
+/** Walks from links to what they point at, as the system would, but on the plan. */
+class LinkWalker
 {
 public:
-    LinkWalk(const ExtractionPlan& plan, const PlannedLink& link,
-             const std::function<bool(const QStringList&)>& isLinkOnDisk)
+    LinkWalker(const ExtractionPlan& plan, const TargetFolder& target,
+               const std::atomic<bool>& canceled)
         : m_plan(plan)
-        , m_link(link)
-        , m_isLinkOnDisk(isLinkOnDisk)
-        , m_at(nameParts(folderOf(link)))
+        , m_target(target)
+        , m_canceled(canceled)
+        , m_known(plan.links.size())
     {}
 
-    void run()
+    /** Gives the end of a link that was reached through @p depth others. */
+    End endOf(int index, int depth)
     {
-        follow(m_link);
-        while (!m_pending.isEmpty()) {
-            step(m_pending.takeFirst());
-        }
+        const KnownEnd& known = m_known[static_cast<size_t>(index)];
+        return known.hops > 0 ? End{{known.folder, {}, 0}, known.hops} : walk(index, depth);
     }
 
 private:
-    QString folderOf(const PlannedLink& link) const
+    /** The end of a link that leads to a planned folder; no hops if it is not known. */
+    struct KnownEnd
     {
-        return QString::fromUtf8(m_plan.folders[static_cast<size_t>(link.folder)].path);
+        int folder = 0;
+        int hops = 0;
+    };
+
+    End walk(int index, int depth)
+    {
+        const PlannedLink& link = m_plan.links[static_cast<size_t>(index)];
+        requireFit(link);
+        End end;
+        end.place.folder = link.folder;
+        requireFewHops(depth + end.hops, link);
+        for (const QString& part : nameParts(link.target)) {
+            if (m_canceled) {
+                return end;
+            }
+            countStep();
+            step(part, depth, link, end);
+        }
+        if (end.place.below.isEmpty()) {
+            m_known[static_cast<size_t>(index)] = {end.place.folder, end.hops};
+        }
+        return end;
     }
 
-    [[noreturn]] void refuseLink(const QString& flaw) const
+    [[noreturn]] void refuseLink(const PlannedLink& link, const QString& flaw) const
     {
-        const QString folder = folderOf(m_link);
-        refuse(folder.isEmpty() ? QString::fromUtf8(m_link.name)
-                                : folder + QLatin1Char('/') + QString::fromUtf8(m_link.name),
-               flaw);
+        const QByteArray folder = m_plan.pathOf(link.folder);
+        refuse(QString::fromUtf8(folder.isEmpty() ? link.name : folder + '/' + link.name), flaw);
     }
 
-    void follow(const PlannedLink& link)
+    void requireFit(const PlannedLink& link) const
     {
         const QString flaw = pathFlaw(link.target);
         if (!flaw.isEmpty()) {
-            refuseLink(QStringLiteral("is a symbolic link, and what it points at %1").arg(flaw));
+            refuseLink(link,
+                       QStringLiteral("is a symbolic link, and what it points at %1").arg(flaw));
         }
-        if (++m_hops > mostHops) {
-            refuseLink(QStringLiteral("is a symbolic link that leads in a circle"));
-        }
-        m_pending = nameParts(link.target) + m_pending;
     }
 
-    void step(const QString& part)
+    void requireFewHops(int hops, const PlannedLink& link) const
     {
-        if (part != up) {
-            enter(part);
-        } else if (m_at.isEmpty()) {
-            refuseLink(QStringLiteral("is a symbolic link that leads out of the folder"));
+        if (hops > mostHops) {
+            refuseLink(link, QStringLiteral("is a symbolic link that leads in a circle"));
+        }
+    }
+
+    void countStep()
+    {
+        if (++m_steps > mostSteps) {
+            fail(QStringLiteral("The archive is refused: it takes more than %1 steps to follow its "
+                                "symbolic links.")
+                     .arg(mostSteps));
+        }
+    }
+
+    void step(const QString& part, int depth, const PlannedLink& link, End& end)
+    {
+        if (part == up) {
+            leave(end.place, link);
+        } else if (end.place.below.isEmpty()) {
+            enter(part, depth, link, end);
         } else {
-            m_at.removeLast();
+            descend(part, link, end.place);
         }
     }
 
-    void enter(const QString& part)
+    void leave(Place& place, const PlannedLink& link) const
     {
-        m_at.append(part);
-        const ExtractionPlan::Node node = m_plan.find(m_at);
-        if (node.kind == ExtractionPlan::Link) {
-            m_at.removeLast();
-            follow(m_plan.links[static_cast<size_t>(node.index)]);
-        } else if (node.kind == ExtractionPlan::Nothing && m_isLinkOnDisk(m_at)) {
-            refuseLink(QStringLiteral("is a symbolic link that leads through an existing one"));
+        if (!place.below.isEmpty()) {
+            place.below.removeLast();
+            place.existing = qMin(place.existing, place.below.size());
+        } else if (place.folder == 0) {
+            refuseLink(link, QStringLiteral("is a symbolic link that leads out of the folder"));
+        } else {
+            place.folder = m_plan.folders[static_cast<size_t>(place.folder)].parent;
         }
+    }
+
+    void enter(const QString& part, int depth, const PlannedLink& link, End& end)
+    {
+        const ExtractionPlan::Node node = m_plan.find(end.place.folder, part);
+        switch (node.kind) {
+        case ExtractionPlan::Folder:
+            end.place.folder = node.index;
+            break;
+        case ExtractionPlan::Link: {
+            const End through = endOf(node.index, depth + end.hops);
+            end = {through.place, end.hops + through.hops};
+            requireFewHops(depth + end.hops, link);
+            break;
+        }
+        case ExtractionPlan::File:
+        case ExtractionPlan::Nothing:
+            descend(part, link, end.place);
+        }
+    }
+
+    /** Goes to something that is no planned folder. What is not there yet has nothing below it. */
+    void descend(const QString& part, const PlannedLink& link, Place& place) const
+    {
+        const bool mayExist = place.existing == place.below.size();
+        place.below.append(part);
+        const TargetFolder::Found found =
+            mayExist ? m_target.find(pathOf(place)) : TargetFolder::Nothing;
+        if (found == TargetFolder::Link) {
+            refuseLink(link,
+                       QStringLiteral("is a symbolic link that leads through an existing one"));
+        }
+        place.existing += found == TargetFolder::Nothing ? 0 : 1;
+    }
+
+    QByteArray pathOf(const Place& place) const
+    {
+        const QByteArray below = place.below.join(QLatin1Char('/')).toUtf8();
+        const QByteArray folder = m_plan.pathOf(place.folder);
+        return folder.isEmpty() ? below : folder + '/' + below;
     }
 
     const ExtractionPlan& m_plan;
-    const PlannedLink& m_link;
-    const std::function<bool(const QStringList&)>& m_isLinkOnDisk;
-    QStringList m_at;
-    QStringList m_pending;
-    int m_hops = 0;
+    const TargetFolder& m_target;
+    const std::atomic<bool>& m_canceled;
+    std::vector<KnownEnd> m_known;
+    qint64 m_steps = 0;
 };
 
 } // namespace
 
-void requireLinksInside(const ExtractionPlan& plan,
-                        const std::function<bool(const QStringList&)>& isLinkOnDisk)
+void requireLinksInside(const ExtractionPlan& plan, const TargetFolder& target,
+                        const std::atomic<bool>& canceled)
 {
-    for (const PlannedLink& link : plan.links) {
-        LinkWalk(plan, link, isLinkOnDisk).run();
+    LinkWalker walker(plan, target, canceled);
+    for (size_t i = 0; i < plan.links.size() && !canceled; ++i) {
+        walker.endOf(static_cast<int>(i), 0);
     }
 }
 

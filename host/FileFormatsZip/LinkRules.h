@@ -1,23 +1,22 @@
 #pragma once
 
-#include <QStringList>
-
-#include <functional>
+#include <atomic>
 
 namespace vx {
 
 class ExtractionPlan;
+class TargetFolder;
 
 /**
  * Refuses a plan in which a symbolic link leads, by itself or through other links, out of the
  * target folder or nowhere but in a circle. Links through links that stay inside are in order:
- * shared libraries and frameworks are built of them. So are links to nothing.
+ * shared libraries and frameworks are built of them. So are links to nothing. But no planned link
+ * may lead through a link that @p target holds already.
  *
- * @param isLinkOnDisk tells of a path that the plan does not know, as its parts, whether the target
- *        folder holds a link there already. A planned link must not lead through such a one.
+ * @param canceled looked at all the time; once it is true, the function returns.
  * @throws IOException
  */
-void requireLinksInside(const ExtractionPlan& plan,
-                        const std::function<bool(const QStringList&)>& isLinkOnDisk);
+void requireLinksInside(const ExtractionPlan& plan, const TargetFolder& target,
+                        const std::atomic<bool>& canceled);
 
 } // namespace vx

@@ -2,7 +2,6 @@
 
 #include <QByteArray>
 #include <QString>
-#include <QStringList>
 
 #include <ctime>
 
@@ -11,10 +10,10 @@
 namespace vx {
 
 /**
- * The folder that a job unpacks into. All paths are relative to it, in UTF-8, and are walked part
- * by part without ever following a symbolic link, so that nothing outside can be reached whatever
- * the folder holds or comes to hold. libarchive's own writer is not used: it changes the umask of
- * the whole process while other threads run, and keeps no account of what it made.
+ * The folder that a job unpacks into. All paths are relative to it and in UTF-8. What is written
+ * goes by a FolderCursor, so that nothing outside can be reached whatever the folder holds or comes
+ * to hold. libarchive's own writer is not used: it changes the umask of the whole process while
+ * other threads run, and keeps no account of what it made.
  *
  * Any number of threads may use one object at once.
  */
@@ -30,20 +29,12 @@ public:
     /** Bytes that an ordinary user may still write; the largest number if that is unknown. */
     qint64 freeBytes() const;
 
-    /** Whether a symbolic link stands at the path made of @p parts. */
-    bool isLink(const QStringList& parts) const;
+    /** What stands at a path. */
+    enum Found { Nothing, Link, Other };
+    Found find(const QByteArray& path) const;
 
-    /** Opens the folder at @p path; the empty path is the target itself. Invalid on failure. */
-    FileDescriptor openFolder(const QByteArray& path) const;
-
-    /** The same, but throws IOException on failure. */
-    FileDescriptor requireFolder(const QByteArray& path) const;
-
-    /** Makes a folder. Gives false if there is one already. Throws IOException. */
-    bool makeFolder(const QByteArray& path);
-
-    /** Removes an empty folder. A folder that isn't empty stays. */
-    void removeFolder(const QByteArray& path);
+    /** The folder itself, open. */
+    const FileDescriptor& root() const { return m_root; }
 
 private:
     QString m_path;

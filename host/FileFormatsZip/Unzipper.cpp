@@ -31,7 +31,8 @@ void Unzipper::Private::unpack()
 {
     const Archive archive(zipFile, state.canceled);
     if (!state.canceled) {
-        Extraction extraction(archive, ExtractionPlan(archive.index(), flat), targetFolder, state);
+        ExtractionPlan plan(archive.index(), flat, state.canceled);
+        Extraction extraction(archive, std::move(plan), targetFolder, state);
         if (extraction.run()) {
             return;
         }

@@ -27,11 +27,15 @@ std::shared_ptr<const Archive> openArchive(const QString& path)
     return std::make_shared<Archive>(path, never);
 }
 
-ArchiveIndex selected(const ArchiveIndex& index, const QStringList& names)
+ArchiveIndex selected(const ArchiveIndex& index, const QStringList& names,
+                      const std::atomic<bool>& canceled)
 {
     QSet<QString> wanted(names.begin(), names.end());
     ArchiveIndex selection;
     for (const ArchiveEntry& entry : index) {
+        if (canceled) {
+            return selection;
+        }
         if (wanted.remove(entry.name)) {
             selection.push_back(entry);
         }
@@ -107,7 +111,8 @@ void ZipReader::extractFiles(const QStringList& names, const QString& targetFold
     ExtractionState state;
     BackgroundTask task;
     task.start([&] {
-        ExtractionPlan plan(selected(archive->index(), names), flat);
+        ExtractionPlan plan(selected(archive->index(), names, state.canceled), flat,
+                            state.canceled);
         Extraction(*archive, std::move(plan), targetFolder, state).run();
     });
     const QPointer<ZipReader> self(this);

@@ -287,6 +287,31 @@ void ZipBuilder::write(const QString& path, const QByteArray& before) const
     }
 }
 
+ZipBuilder linkBomb()
+{
+    constexpr int hops = 35;
+    const QByteArray detour = QByteArray("x/../").repeated(63);
+    ZipBuilder archive;
+    for (int i = 0; i < hops; ++i) {
+        const QByteArray next = i + 1 < hops ? "l" + QByteArray::number(i + 1) : "nothing";
+        archive.add(softLink("l" + QByteArray::number(i), detour + next));
+    }
+    for (int i = 0; i < 5000; ++i) {
+        archive.add(softLink("m" + QByteArray::number(i), "l0"));
+    }
+    return archive;
+}
+
+ZipBuilder folderBomb()
+{
+    const QByteArray folders = QByteArray("/a").repeated(126) + "/f";
+    ZipBuilder archive;
+    for (int i = 0; i < 7900; ++i) {
+        archive.add(file(QByteArray::number(i) + folders));
+    }
+    return archive;
+}
+
 QByteArray deflated(const QByteArray& content)
 {
     // qCompress() gives four bytes of length and the two of the zlib header in front of the raw

@@ -101,6 +101,12 @@ private:
     std::optional<quint16> m_announced;
 };
 
+/** Links whose ways are so long, all together, that they are not followed to the end. */
+ZipBuilder linkBomb();
+
+/** Names of folders in folders, all together more than may be made. */
+ZipBuilder folderBomb();
+
 /** The raw deflate stream of @p content. */
 QByteArray deflated(const QByteArray& content);
 

@@ -77,6 +77,8 @@ private slots:
     void targetWithLinks();
     void existingFilesStay();
     void namesAreShownHarmlessly();
+    void bombs_data();
+    void bombs();
 
 private:
     static void addArchives();
@@ -142,6 +144,8 @@ void TestHostileArchives::addNames()
     row("only a dot", file("."), "has an empty name");
     row("long part", file(QByteArray(256, 'a')), "has a name that is too long");
     row("long part, in bytes", inUtf8(file(QByteArray("\xc3\xa4").repeated(128))), "too long");
+    row("deep", file(QByteArray("a/").repeated(128) + "b"), "has a name with too many parts");
+    row("very deep", file(QByteArray("a/").repeated(2000) + "b"), "too many parts");
     row("long path", file(QByteArray("abcdefgh/").repeated(500) + "a"), "too long");
 }
 
@@ -191,6 +195,16 @@ void TestHostileArchives::addLinks()
     row("circle", {softLink("a", "b"), softLink("b", "a")}, "leads in a circle");
     row("circle of one", {softLink("a", "a")}, "leads in a circle");
     row("circle in a folder", {softLink("a/b", "../a/b/c")}, "leads in a circle");
+    ZipBuilder chain;
+    ZipBuilder longWays{folder("d/")};
+    for (int i = 0; i < 5000; ++i) {
+        const QByteArray next = "l" + QByteArray::number(i + 1);
+        chain.add(softLink("l" + QByteArray::number(i), next));
+        longWays.add(softLink("l" + QByteArray::number(i),
+                              i < 39 ? QByteArray("d/../").repeated(800) + next : "l0"));
+    }
+    row("long chain", chain, "leads in a circle");
+    row("long chain of long ways", longWays, "too many parts");
     row("empty target", {softLink("a", "")}, "an empty name");
     row("target with NUL", {softLink("a", QByteArray("b\0c", 3))}, "'a' is damaged");
     row("target with a control character", {softLink("a", "b\033c")}, "control characters");
@@ -335,6 +349,27 @@ void TestHostileArchives::namesAreShownHarmlessly()
     const QString failure = unpackWithReader(path("a.zip"), path("target"));
     QVERIFY2(failure.size() < 250, qPrintable(failure));
     QVERIFY(!failure.contains(QChar(27)));
+}
+
+void TestHostileArchives::bombs_data()
+{
+    QTest::addColumn<QByteArray>("archive");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("links") << linkBomb().bytes()
+                           << "The archive is refused: it takes more than 4000000 steps to follow "
+                              "its symbolic links.";
+    QTest::newRow("folders") << folderBomb().bytes()
+                             << "The archive is refused: it needs more than 1000000 folders.";
+}
+
+/** Small archives that would take hours or the whole memory. */
+void TestHostileArchives::bombs()
+{
+    QFETCH(QByteArray, archive);
+    QFETCH(QString, reason);
+    writeFile(path("a.zip"), archive);
+    QCOMPARE(unpackWithReader(path("a.zip"), path("target")), reason);
+    QVERIFY(!QFileInfo::exists(path("target")));
 }
 
 VX_TEST_MAIN(TestHostileArchives)

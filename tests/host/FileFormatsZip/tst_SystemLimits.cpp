@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "host/CoreQt/IOException.h"
+#include "host/FileFormatsZip/Unzipper.h"
 #include "host/FileFormatsZip/ZipReader.h"
 #include "tests/host/FileFormatsZip/Unpacking.h"
 #include "tests/host/FileFormatsZip/ZipBuilder.h"
@@ -73,6 +74,13 @@ QString reasonOf(vx::ZipReader& reader, const QString& target)
     return {};
 }
 
+/** The permissions of what is there, or -1. */
+int modeOf(const QByteArray& path)
+{
+    struct stat status = {};
+    return ::stat(path.constData(), &status) == 0 ? static_cast<int>(status.st_mode & 07777U) : -1;
+}
+
 /** Whether this system lets an ordinary program mount a file system of its own. */
 bool canMount()
 {
@@ -94,6 +102,7 @@ private slots:
     void noRightToWriteInAFolder();
     void noRightToRead();
     void readOnlyFoldersAreRemovedAgain();
+    void destroyedWhileFoldersAreShut();
     void notEnoughSpace();
     void fullDisk_data();
     void fullDisk();
@@ -209,6 +218,37 @@ void TestSystemLimits::readOnlyFoldersAreRemovedAgain()
     }
     QVERIFY2(reason.startsWith("Cannot create the link 'x'"), qPrintable(reason));
     QCOMPARE(treeOf(path("target")), before);
+}
+
+/** Shutting many folders takes a while, and the job must be able to remove those shut by then. */
+void TestSystemLimits::destroyedWhileFoldersAreShut()
+{
+    constexpr int count = 10000;
+    const auto name = [](int i) { return "a/d" + QByteArray::number(i) + "/"; };
+    ZipBuilder archive{folder("a/", 0500)};
+    for (int i = 0; i < count; ++i) {
+        archive.add(folder(name(i), i % 2 == 0 ? 0500 : 0)).add(file(name(i) + "f", ""));
+    }
+    archive.write(path("a.zip"));
+    QVERIFY(QFile::setPermissions(m_folder->path(), QFile::Permissions(0x7777)));
+    bool isRemoved = false;
+    bool wasReady = false;
+    {
+        const OrdinaryUser user(m_folder->path());
+        QScopedPointer<vx::Unzipper> unzipper(new vx::Unzipper("a.zip", "target", false));
+        const QByteArray first = "target/" + name(count - 1);
+        QElapsedTimer waiting;
+        waiting.start();
+        while (modeOf(first) != 0 && waiting.elapsed() < 60000) {
+            QCoreApplication::processEvents();
+        }
+        unzipper.reset();
+        isRemoved = !QFileInfo::exists("target");
+        // The folder around all others is the last.
+        wasReady = modeOf("target/a") == 0500;
+    }
+    runTool(m_folder->path(), "chmod", {"-R", "u+rwX", "."});
+    QVERIFY(isRemoved || wasReady);
 }
 
 void TestSystemLimits::notEnoughSpace()

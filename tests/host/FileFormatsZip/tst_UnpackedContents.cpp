@@ -228,6 +228,8 @@ void TestUnpackedContents::names_data()
     QTest::newRow("colon") << QByteArray("10:30.txt") << false << QByteArray("10:30.txt");
     QTest::newRow("dots") << QByteArray("..a/b../...") << false << QByteArray("..a/b../...");
     QTest::newRow("needless dot and slash") << QByteArray("./a//b") << false << QByteArray("a/b");
+    const QByteArray deepest = QByteArray("a/").repeated(127) + "b";
+    QTest::newRow("deepest") << deepest << false << deepest;
     QTest::newRow("longest") << QByteArray(255, 'x') << false << QByteArray(255, 'x');
 }
 
@@ -283,6 +285,13 @@ void TestUnpackedContents::linksThatStayInside_data()
         {file("c/d/e"), file("x"), softLink("b", "c/d"), softLink("a", "b/../../x")});
     row("deflated", {file("b"), deflate(softLink("a", QByteArray("./").repeated(50) + "b"))});
     row("not ASCII", {file("\xc3\xa4"), softLink("a", "\xc3\xa4")});
+    ZipBuilder chain{file("l40/found")};
+    for (int i = 0; i < 40; ++i) {
+        chain.add(softLink("l" + QByteArray::number(i), "l" + QByteArray::number(i + 1)));
+    }
+    row("through as many links as the system follows", chain);
+    row("through a link that was followed before",
+        {folder("d/e/"), softLink("a", "d/e"), softLink("b", "a/.."), softLink("c", "b/e/../..")});
     row("not ASCII, flagged", {inUtf8(file("\xc3\xa4")), inUtf8(softLink("\xc3\xb6", "\xc3\xa4"))});
 }
 

@@ -50,6 +50,8 @@ private slots:
     void destroyedAtAnyMoment_data();
     void destroyedAtAnyMoment();
     void destroyedWithinAFile();
+    void destroyedWhileItPlans_data();
+    void destroyedWhileItPlans();
     void destroyedLeavesWhatWasThere();
     void quitAtAnyMoment_data();
     void quitAtAnyMoment();
@@ -129,6 +131,32 @@ void TestUnzipperLifetime::destroyedWithinAFile()
     QTRY_VERIFY(QFileInfo(target() + "/zeros").size() > 0);
     delete unzipper;
     QVERIFY(!QFileInfo::exists(target()));
+}
+
+void TestUnzipperLifetime::destroyedWhileItPlans_data()
+{
+    QTest::addColumn<QByteArray>("archive");
+    QTest::newRow("links") << linkBomb().bytes();
+    QTest::newRow("folders") << folderBomb().bytes();
+}
+
+/** Archives that take many seconds before the first file is written. */
+void TestUnzipperLifetime::destroyedWhileItPlans()
+{
+    QFETCH(QByteArray, archive);
+    const QString path = m_folder->filePath("a.zip");
+    writeFile(path, archive);
+    for (int i = 0; i < 10; ++i) {
+        auto* const unzipper = new Unzipper(path, target(), false);
+        QSignalSpy failed(unzipper, SIGNAL(unzippingFailed(QString)));
+        QTest::qWait(20 * i);
+        QElapsedTimer ending;
+        ending.start();
+        delete unzipper;
+        QVERIFY2(ending.elapsed() < 2000, qPrintable(QString::number(ending.elapsed())));
+        QVERIFY(failed.isEmpty());
+        QVERIFY(!QFileInfo::exists(target()));
+    }
 }
 
 void TestUnzipperLifetime::destroyedLeavesWhatWasThere()

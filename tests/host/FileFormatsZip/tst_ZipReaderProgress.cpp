@@ -31,6 +31,8 @@ private slots:
     void cancelStopsWithinAFile();
     void closingTheDialogCancels();
     void cancelButtonCancels();
+    void cancelStopsThePlanning_data();
+    void cancelStopsThePlanning();
     void cancelKeepsWhatIsThere();
     void cancelIsForgottenWithANewDialog();
     void failureIsNoCancel();
@@ -148,6 +150,32 @@ void TestZipReaderProgress::cancelButtonCancels()
     QVERIFY(m_reader->wasCanceled());
     QVERIFY(!m_dialog->isVisible());
     QVERIFY(quint64(unpackedSize()) < someSeconds.count / 2);
+}
+
+void TestZipReaderProgress::cancelStopsThePlanning_data()
+{
+    QTest::addColumn<QByteArray>("archive");
+    QTest::newRow("links") << linkBomb().bytes();
+    QTest::newRow("folders") << folderBomb().bytes();
+}
+
+/** These archives are refused, but after seconds: cancelling comes first, and throws nothing. */
+void TestZipReaderProgress::cancelStopsThePlanning()
+{
+    QFETCH(QByteArray, archive);
+    writeFile(path("a.zip"), archive);
+    m_reader.reset(new ZipReader(path("a.zip"), nullptr));
+    QVERIFY(m_reader->open(QIODevice::ReadOnly));
+    m_reader->attachProgressDialog(m_dialog.data());
+    const QStringList names = m_reader->fileList(QRegExp());
+    QElapsedTimer ending;
+    QTimer::singleShot(0, m_dialog.data(), [this, &ending] {
+        ending.start();
+        m_dialog->cancel();
+    });
+    m_reader->extractFiles(names, target(), false);
+    QVERIFY(m_reader->wasCanceled());
+    QVERIFY2(ending.elapsed() < 2000, qPrintable(QString::number(ending.elapsed())));
 }
 
 void TestZipReaderProgress::cancelKeepsWhatIsThere()
