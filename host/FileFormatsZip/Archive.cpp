@@ -3,6 +3,7 @@
 #include <archive_entry.h>
 
 #include "host/FileFormatsZip/ArchiveStream.h"
+#include "host/FileFormatsZip/Bytes.h"
 #include "host/FileFormatsZip/Checksum.h"
 #include "host/FileFormatsZip/EntryName.h"
 #include "host/FileFormatsZip/Failure.h"
@@ -11,14 +12,54 @@ namespace vx {
 
 namespace {
 
-const DirectoryRecord& recordOf(const CentralDirectory& directory, archive_entry* entry)
+constexpr char headerSignature[] = "PK\3\4";
+constexpr int headerLength = 30;
+
+[[noreturn]] void failOverNames()
 {
-    const char* name = archive_entry_pathname(entry);
-    const DirectoryRecord* record = name != nullptr ? directory.find(decodeName(name)) : nullptr;
-    if (record == nullptr) {
-        failAsDamaged(QStringLiteral("its directory and its entries disagree about names"));
+    failAsDamaged(QStringLiteral("its directory and its entries disagree about names"));
+}
+
+[[noreturn]] void failOverNumber()
+{
+    failAsDamaged(QStringLiteral("its directory and its entries disagree about their number"));
+}
+
+/** Whoever lists the archive sees the directory; what is unpacked has the names of the entries. */
+void requireName(archive_entry* entry, const DirectoryRecord& record)
+{
+    const char* const raw = archive_entry_pathname(entry);
+    const QString name = raw != nullptr ? decodeName(raw) : QString();
+    if (name != record.name && nameKey(name) != nameKey(record.name)) {
+        failOverNames();
     }
-    return *record;
+    if (name.endsWith(QLatin1Char('/')) != record.isFolder) {
+        failOverNames();
+    }
+}
+
+/** libarchive cuts the name at a NUL, so that this looks for itself. */
+void requireNameWithoutNul(const ArchiveFile& file, qint64 begin, const DirectoryRecord& record)
+{
+    QByteArray header = file.bytesAt(begin, headerLength + record.nameLength);
+    if (!hasSignature(header, 0, headerSignature)) {
+        failOverNames();
+    }
+    const int length = headerLength + number<quint16>(header, 26);
+    if (length > header.size()) {
+        header += file.bytesAt(begin + header.size(), length - header.size());
+    }
+    if (header.left(length).indexOf('\0', headerLength) >= 0) {
+        failOverNames();
+    }
+}
+
+void requireChecksumOfNothing(const ArchiveEntry& entry, const DirectoryRecord& record)
+{
+    // libarchive checks contents while it reads them, and here is nothing to read.
+    if (entry.kind == ArchiveEntry::File && entry.size == 0 && record.crc32 != 0) {
+        refuse(record.name, QStringLiteral("is damaged: its checksum is wrong"));
+    }
 }
 
 ArchiveEntry::Kind kindOf(archive_entry* entry, const DirectoryRecord& record)
@@ -56,10 +97,10 @@ QString linkTargetOf(archive_entry* entry, const DirectoryRecord& record)
     refuse(record.name, QStringLiteral("is damaged: its checksum is wrong"));
 }
 
-ArchiveEntry readEntry(const ArchiveStream& stream, const CentralDirectory& directory)
+ArchiveEntry readEntry(const ArchiveStream& stream, const DirectoryRecord& record)
 {
     archive_entry* const raw = stream.entry();
-    const DirectoryRecord& record = recordOf(directory, raw);
+    requireName(raw, record);
     ArchiveEntry entry;
     entry.record = record.range;
     entry.name = record.name;
@@ -73,6 +114,7 @@ ArchiveEntry readEntry(const ArchiveStream& stream, const CentralDirectory& dire
     if (entry.kind == ArchiveEntry::Link) {
         entry.linkTarget = linkTargetOf(raw, record);
     }
+    requireChecksumOfNothing(entry, record);
     if (entry.kind == ArchiveEntry::Folder && !entry.name.endsWith(QLatin1Char('/'))) {
         entry.name += QLatin1Char('/');
     }
@@ -83,11 +125,11 @@ ArchiveEntry readEntry(const ArchiveStream& stream, const CentralDirectory& dire
 
 Archive::Archive(const QString& path, const std::atomic<bool>& canceled)
     : m_file(path)
-    , m_directory(m_file)
+    , m_directory(m_file, canceled)
 {
     m_index.reserve(static_cast<size_t>(m_directory.count()));
     // libarchive calls an archive without entries damaged.
-    if (m_directory.count() > 0) {
+    if (m_directory.count() > 0 && !canceled) {
         readIndex(canceled);
     }
 }
@@ -101,12 +143,26 @@ void Archive::readIndex(const std::atomic<bool>& canceled)
 {
     const ArchiveView all(m_file, m_directory, m_directory.bytes(), m_directory.count());
     ArchiveStream stream(all, ArchiveStream::Reading::Headers);
-    while (!canceled && stream.next()) {
-        m_index.push_back(readEntry(stream, m_directory));
+    for (const DirectoryRecord& record : m_directory.records()) {
+        if (canceled) {
+            return;
+        }
+        if (!stream.next()) {
+            failOverNumber();
+        }
+        requireNameWithoutNul(m_file, headerOf(record), record);
+        m_index.push_back(readEntry(stream, record));
     }
-    if (!canceled && m_index.size() != static_cast<size_t>(m_directory.count())) {
-        failAsDamaged(QStringLiteral("its directory and its entries disagree about their number"));
+    if (stream.next()) {
+        failOverNumber();
     }
+}
+
+qint64 Archive::headerOf(const DirectoryRecord& record) const
+{
+    // It may wrap around, to a place where no header is.
+    const auto begin = static_cast<quint64>(m_directory.extent().archiveBegin);
+    return static_cast<qint64>(begin + record.offset);
 }
 
 } // namespace vx

@@ -38,6 +38,7 @@ public:
 
 private:
     void readIndex(const std::atomic<bool>& canceled);
+    qint64 headerOf(const DirectoryRecord& record) const;
 
     ArchiveFile m_file;
     CentralDirectory m_directory;

@@ -1,5 +1,6 @@
 #include "host/FileFormatsZip/CentralDirectory.h"
 
+#include <algorithm>
 #include <sys/stat.h>
 
 #include "host/FileFormatsZip/ArchiveFile.h"
@@ -16,9 +17,12 @@ constexpr char recordSignature[] = "PK\1\2";
 constexpr int recordLength = 46;
 constexpr qint64 mostBytes = 512 * 1024 * 1024;
 
+constexpr quint16 zip64Id = 1;
 constexpr quint16 unicodePathId = 0x7075;
+constexpr quint32 inZip64 = 0xFFFFFFFF;
 constexpr quint8 madeOnDos = 0;
 constexpr quint8 madeOnUnix = 3;
+constexpr quint32 dosFolder = 0x10;
 
 [[noreturn]] void refuseAsTooLarge()
 {
@@ -34,21 +38,46 @@ QByteArray readRecords(const ArchiveFile& file, const DirectoryExtent& extent)
     return file.bytesAt(extent.begin, extent.length);
 }
 
-/** Info-ZIP writes the name a second time, in UTF-8, with a checksum of the first. */
-QByteArray unicodePath(const QByteArray& raw, const QByteArray& extra)
+/** The data of the first extra field of that id, or nothing. */
+QByteArray extraField(const QByteArray& extra, quint16 id)
 {
     int at = 0;
     while (at + 4 <= extra.size()) {
-        const auto id = number<quint16>(extra, at);
         const int length = number<quint16>(extra, at + 2);
-        at += 4;
-        if (id == unicodePathId && length > 5 && at + length <= extra.size() &&
-            number<quint32>(extra, at + 1) == crc32(raw)) {
-            return extra.mid(at + 5, length - 5);
+        if (number<quint16>(extra, at) == id && at + 4 + length <= extra.size()) {
+            return extra.mid(at + 4, length);
         }
-        at += length;
+        at += 4 + length;
     }
-    return raw;
+    return {};
+}
+
+/** Info-ZIP writes the name a second time, in UTF-8, with a checksum of the first. */
+QByteArray unicodePath(const QByteArray& raw, const QByteArray& extra)
+{
+    const QByteArray field = extraField(extra, unicodePathId);
+    return field.size() > 5 && number<quint32>(field, 1) == crc32(raw) ? field.mid(5) : raw;
+}
+
+/** The field of Zip64 holds only those of the two sizes and the offset that have no room. */
+quint64 dataOffset(const QByteArray& records, int at, const QByteArray& extra)
+{
+    const auto offset = number<quint32>(records, at + 42);
+    if (offset != inZip64) {
+        return offset;
+    }
+    const QByteArray field = extraField(extra, zip64Id);
+    int place = 0;
+    for (const int size : {24, 20}) {
+        place += number<quint32>(records, at + size) == inZip64 ? 8 : 0;
+    }
+    return place + 8 <= field.size() ? number<quint64>(field, place) : offset;
+}
+
+bool isFolder(quint8 system, quint32 attributes)
+{
+    return (system == madeOnUnix && ((attributes >> 16) & S_IFMT) == S_IFDIR) ||
+           (system == madeOnDos && (attributes & dosFolder) != 0);
 }
 
 bool isSpecial(quint8 system, quint32 attributes)
@@ -60,16 +89,23 @@ bool isSpecial(quint8 system, quint32 attributes)
 
 } // namespace
 
-CentralDirectory::CentralDirectory(const ArchiveFile& file)
+CentralDirectory::CentralDirectory(const ArchiveFile& file, const std::atomic<bool>& canceled)
     : m_extent(findDirectory(file))
     , m_bytes(readRecords(file, m_extent))
 {
+    QSet<QString> keys;
     for (int at = 0; at < m_bytes.size();) {
+        if (canceled) {
+            return;
+        }
         const DirectoryRecord record = recordAt(at);
-        insert(record);
+        add(record, keys);
         at += record.range.length;
     }
     requireCount();
+    std::stable_sort(
+        m_records.begin(), m_records.end(),
+        [](const DirectoryRecord& a, const DirectoryRecord& b) { return a.offset < b.offset; });
 }
 
 QByteArray CentralDirectory::bytesOf(const std::vector<RecordRange>& records) const
@@ -79,12 +115,6 @@ QByteArray CentralDirectory::bytesOf(const std::vector<RecordRange>& records) co
         bytes.append(m_bytes.constData() + record.begin, record.length);
     }
     return bytes;
-}
-
-const DirectoryRecord* CentralDirectory::find(const QString& name) const
-{
-    const auto found = m_records.constFind(nameKey(name));
-    return found == m_records.constEnd() ? nullptr : &*found;
 }
 
 DirectoryRecord CentralDirectory::recordAt(int at) const
@@ -97,11 +127,15 @@ DirectoryRecord CentralDirectory::recordAt(int at) const
     const QByteArray raw = m_bytes.mid(at + recordLength, nameLength);
     const QByteArray extra = m_bytes.mid(at + recordLength + nameLength, extraLength);
     record.name = decodeName(unicodePath(raw, extra));
+    record.nameLength = nameLength;
+    record.offset = dataOffset(m_bytes, at, extra);
     record.crc32 = number<quint32>(m_bytes, at + 16);
-    record.isSpecial = isSpecial(system, number<quint32>(m_bytes, at + 38));
     if (system == madeOnDos && !record.name.contains(QLatin1Char('/'))) {
         record.name.replace(QLatin1Char('\\'), QLatin1Char('/'));
     }
+    const auto attributes = number<quint32>(m_bytes, at + 38);
+    record.isFolder = record.name.endsWith(QLatin1Char('/')) || isFolder(system, attributes);
+    record.isSpecial = isSpecial(system, attributes);
     return record;
 }
 
@@ -118,17 +152,17 @@ int CentralDirectory::lengthOfRecordAt(int at) const
     return length;
 }
 
-void CentralDirectory::insert(const DirectoryRecord& record)
+void CentralDirectory::add(const DirectoryRecord& record, QSet<QString>& keys)
 {
     if (record.name.contains(QChar(QChar::Null))) {
         refuse(record.name, QStringLiteral("has a name with control characters"));
     }
-    const QString key = nameKey(record.name);
-    if (m_records.contains(key)) {
+    keys.insert(nameKey(record.name));
+    m_records.push_back(record);
+    if (keys.size() != count()) {
         refuse(record.name, QStringLiteral("is contained twice"));
     }
-    m_records.insert(key, record);
-    if (static_cast<quint64>(count()) > mostEntries) {
+    if (m_records.size() > mostEntries) {
         refuseAsTooLarge();
     }
 }

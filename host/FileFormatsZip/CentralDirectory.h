@@ -1,9 +1,10 @@
 #pragma once
 
 #include <QByteArray>
-#include <QHash>
+#include <QSet>
 #include <QString>
 
+#include <atomic>
 #include <vector>
 
 #include "host/FileFormatsZip/EndRecord.h"
@@ -24,7 +25,10 @@ struct DirectoryRecord
 {
     RecordRange range;
     QString name;           ///< as it stands there; of archives made on DOS, with slashes
+    int nameLength = 0;     ///< bytes of the name as it stands there
+    quint64 offset = 0;     ///< where its data begins, from the beginning of the archive
     quint32 crc32 = 0;      ///< checksum of the unpacked content
+    bool isFolder = false;  ///< says so by a slash at the end of its name, or by its attributes
     bool isSpecial = false; ///< a fifo, a socket or a device
 };
 
@@ -45,10 +49,15 @@ public:
     /**
      * Reads the directory. Throws IOException if there is none, if it contradicts itself, or if it
      * names an entry twice.
+     *
+     * @param canceled looked at between records; once it is true, they stay incomplete.
      */
-    explicit CentralDirectory(const ArchiveFile& file);
+    CentralDirectory(const ArchiveFile& file, const std::atomic<bool>& canceled);
 
-    int count() const { return m_records.size(); }
+    /** In the order of their data, which is that of libarchive. */
+    const std::vector<DirectoryRecord>& records() const { return m_records; }
+
+    int count() const { return static_cast<int>(m_records.size()); }
 
     /** Where it lies in the file. */
     const DirectoryExtent& extent() const { return m_extent; }
@@ -59,18 +68,15 @@ public:
     /** Some records, one after the other. */
     QByteArray bytesOf(const std::vector<RecordRange>& records) const;
 
-    /** The record of @p name in whatever spelling, see nameKey(); null if there is none. */
-    const DirectoryRecord* find(const QString& name) const;
-
 private:
     DirectoryRecord recordAt(int at) const;
     int lengthOfRecordAt(int at) const;
-    void insert(const DirectoryRecord& record);
+    void add(const DirectoryRecord& record, QSet<QString>& keys);
     void requireCount() const;
 
     DirectoryExtent m_extent;
     QByteArray m_bytes;
-    QHash<QString, DirectoryRecord> m_records;
+    std::vector<DirectoryRecord> m_records;
 };
 
 } // namespace vx

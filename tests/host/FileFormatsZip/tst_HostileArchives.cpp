@@ -36,6 +36,12 @@ ZipEntry named(ZipEntry entry, const QByteArray& localName)
     return entry;
 }
 
+ZipEntry ofMode(ZipEntry entry, unsigned mode)
+{
+    entry.mode = mode;
+    return entry;
+}
+
 ZipEntry declaring(ZipEntry entry, quint32 size)
 {
     entry.unpackedSize = size;
@@ -247,7 +253,18 @@ void TestHostileArchives::addLies()
     const QByteArray text = QByteArray("all work and no play ").repeated(50000);
     row("other name in front", {named(file("a"), "b")}, "disagree about names");
     row("evil name in front", {named(file("a.txt"), "../../evil")}, "disagree about names");
-    row("names exchanged", {named(file("a"), "b"), file("c")}, "disagree about names");
+    row("names exchanged", {named(file("a", "1"), "b"), named(file("b", "2"), "a")},
+        "disagree about names");
+    row("a slash more in front", {named(file("a", ""), "a/")}, "disagree about names");
+    row("a slash less in front", {named(ofMode(folder("a/"), 0), "a")}, "disagree about names");
+    row("NUL in front", {named(file("a.txt"), QByteArray("a.txt\0.exe", 10))},
+        "disagree about names");
+    row("NUL at the end in front", {named(file("a.txt"), QByteArray("a.txt\0", 6))},
+        "disagree about names");
+    row("checksum of nothing", {withChecksum(file("a", ""), 0x12345678)},
+        "'a' is damaged: its checksum is wrong");
+    row("checksum of nothing, deflated", {withChecksum(deflate(file("a", "")), 1)},
+        "'a' is damaged: its checksum is wrong");
     row("more than declared", {declaring(deflate(file("a", text)), 10)},
         "'a' holds more than it declares");
     row("more zeros than declared", {declaring(deflate(file("a", zeros)), 10)}, "damaged");
