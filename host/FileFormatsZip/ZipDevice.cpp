@@ -53,12 +53,16 @@ bool ZipDevice::wasCanceled() const
 
 void ZipDevice::showProgress(qint64 done, qint64 total)
 {
+    const QPointer<ZipDevice> self(this);
     // A new value would show a cancelled dialog again.
     if (m_dialog && !wasCanceled()) {
         // One step is kept back for endProgress(): a full dialog closes itself.
         m_dialog->setValue(stepOf(done, total));
     }
-    const QPointer<ZipDevice> self(this);
+    // A modal dialog processes events by itself when its value is set.
+    if (!self) {
+        return;
+    }
     QCoreApplication::processEvents();
     if (self && wasCanceled()) {
         m_canceled = true;

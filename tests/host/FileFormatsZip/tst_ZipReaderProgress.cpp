@@ -39,6 +39,7 @@ private slots:
     void dialogDestroyedMeanwhile();
     void dialogDetachedMeanwhile();
     void readerDestroyedMeanwhile();
+    void readerDestroyedByAModalDialog();
     void readerOpenedAnewMeanwhile();
     void extractingWhileExtracting();
     void smallArchiveEndsTheDialog();
@@ -230,6 +231,26 @@ void TestZipReaderProgress::readerDestroyedMeanwhile()
     QVERIFY_EXCEPTION_THROWN(reader->extractFiles({"huge"}, target(), false), IOException);
     QVERIFY(!m_reader);
     QVERIFY(quint64(unpackedSize()) < someSeconds.count / 2);
+}
+
+/** Such a dialog processes events whenever its value is set; those are then the last. */
+void TestZipReaderProgress::readerDestroyedByAModalDialog()
+{
+    m_dialog->setWindowModality(Qt::WindowModal);
+    bool isServed = false;
+    // By the first value above zero, the dialog shows itself; by the next, it processes events.
+    onceUnderWay([this, &isServed] {
+        QTimer::singleShot(15, this, [this, &isServed] {
+            m_reader.reset();
+            QTimer::singleShot(0, this, [&isServed] { isServed = true; });
+        });
+    });
+    ZipReader* const reader = m_reader.data();
+    QVERIFY_EXCEPTION_THROWN(reader->extractFiles({"huge"}, target(), false), IOException);
+    QVERIFY(!m_reader);
+    QVERIFY(!isServed);
+    QVERIFY(quint64(unpackedSize()) < someSeconds.count / 2);
+    QTRY_VERIFY(isServed);
 }
 
 void TestZipReaderProgress::readerOpenedAnewMeanwhile()
