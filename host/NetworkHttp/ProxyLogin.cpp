@@ -32,8 +32,12 @@ QNetworkProxy networkProxyOf(const HttpHost& host)
 void logInToProxy(const HttpHost& host, QAuthenticator* authenticator)
 {
     HttpAccess login = host.proxy;
-    if (login.user.isEmpty() && applicationProxy().hasSameAddress(host.proxy)) {
-        login = applicationProxy();
+    const HttpAccess known = applicationProxy();
+    // A host is often stored with the user, but without the password.
+    const bool isIncomplete =
+        login.password.isEmpty() && (login.user.isEmpty() || login.user == known.user);
+    if (isIncomplete && known.hasSameAddress(host.proxy)) {
+        login = known;
     }
     if (!login.user.isEmpty()) {
         authenticator->setUser(login.user);

@@ -12,8 +12,9 @@ namespace vx {
 QNetworkProxy networkProxyOf(const HttpHost& host);
 
 /**
- * Fills in user and password for the proxy of @p host: its own, or those of the application's proxy
- * if that has the same host and port. Leaves @p authenticator alone if there are none.
+ * Fills in user and password for the proxy of @p host: its own, or, if it has no password, those of
+ * the application's proxy, if that has the same host and port and not another user. Leaves
+ * @p authenticator alone if there are none.
  */
 void logInToProxy(const HttpHost& host, QAuthenticator* authenticator);
 

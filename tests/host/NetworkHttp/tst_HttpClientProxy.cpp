@@ -136,6 +136,12 @@ void TestHttpClientProxy::logsIn_data()
                                << "" << true << 200;
     QTest::newRow("login of the global proxy") << 1 << ""
                                                << "clerk:secret" << true << 200;
+    QTest::newRow("own user, password of the global proxy") << 1 << "clerk"
+                                                            << "clerk:secret" << true << 200;
+    QTest::newRow("another user than the global proxy's") << 1 << "guest"
+                                                          << "clerk:secret" << true << 401;
+    QTest::newRow("own user, global proxy elsewhere") << 1 << "clerk"
+                                                      << "clerk:secret" << false << 401;
     QTest::newRow("global proxy") << 2 << ""
                                   << "clerk:secret" << true << 200;
     QTest::newRow("global proxy elsewhere") << 1 << ""
