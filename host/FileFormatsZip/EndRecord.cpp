@@ -52,13 +52,26 @@ DirectoryExtent readEnd(const QByteArray& tail, qint64 at, qint64 end)
     return extent;
 }
 
-DirectoryExtent readZip64End(const ArchiveFile& file, quint64 end)
+/** The end record of Zip64 at a place in the file, or nothing if there is none. */
+QByteArray zip64EndAt(const ArchiveFile& file, quint64 at)
 {
-    if (end > static_cast<quint64>(std::max<qint64>(file.size() - end64Length, 0))) {
-        failAsDamaged(QStringLiteral("its end record lies outside"));
+    if (file.size() < end64Length || at > static_cast<quint64>(file.size() - end64Length)) {
+        return {};
     }
-    const QByteArray bytes = file.bytesAt(static_cast<qint64>(end), end64Length);
-    if (!hasSignature(bytes, 0, end64Signature)) {
+    const QByteArray bytes = file.bytesAt(static_cast<qint64>(at), end64Length);
+    return hasSignature(bytes, 0, end64Signature) ? bytes : QByteArray();
+}
+
+/** @p end is where the record lies by its locator, which lies at @p locator itself. */
+DirectoryExtent readZip64End(const ArchiveFile& file, quint64 end, qint64 locator)
+{
+    QByteArray bytes = zip64EndAt(file, end);
+    if (bytes.isEmpty()) {
+        // Where something was put in front of the archive, the locator names an earlier place.
+        end = static_cast<quint64>(locator - end64Length);
+        bytes = zip64EndAt(file, end);
+    }
+    if (bytes.isEmpty()) {
         failAsDamaged(QStringLiteral("its end record is missing"));
     }
     DirectoryExtent extent;
@@ -87,7 +100,7 @@ DirectoryExtent findDirectory(const ArchiveFile& file)
     const qint64 end = file.size() - tailLength + at;
     const DirectoryExtent extent =
         hasSignature(tail, at - locatorLength, locatorSignature)
-            ? readZip64End(file, number<quint64>(tail, at - locatorLength + 8))
+            ? readZip64End(file, number<quint64>(tail, at - locatorLength + 8), end - locatorLength)
             : readEnd(tail, at, end);
     if (!isPossible(extent, end)) {
         failAsDamaged(QStringLiteral("its directory lies outside"));

@@ -1,5 +1,6 @@
 #include <QDir>
 #include <QTemporaryDir>
+#include <QtEndian>
 #include <QtTest>
 
 #include "host/CoreQt/IOException.h"
@@ -37,6 +38,8 @@ private slots:
     void changedAnywhere();
     void notAnArchive_data();
     void notAnArchive();
+    void impossibleZip64End_data();
+    void impossibleZip64End();
     void cutWhileItIsOpen();
 
 private:
@@ -119,6 +122,40 @@ void TestDamagedArchives::notAnArchive_data()
     QTest::newRow("Zip64 end outside")
         << QByteArray("PK\6\7\0\0\0\0\377\377\377\377\377\377\377\377\1\0\0\0", 20) +
                QByteArray("PK\5\6\0\0\0\0\1\0\1\0\0\0\0\0\0\0\0\0\0\0", 22);
+}
+
+void TestDamagedArchives::impossibleZip64End_data()
+{
+    QTest::addColumn<QByteArray>("archive");
+    const QByteArray archive = ZipBuilder{file("a"), file("b")}.useZip64().bytes();
+    const int end = archive.lastIndexOf("PK\6\6");
+    const int locator = archive.lastIndexOf("PK\6\7");
+    const auto row = [&archive](const char* tag, int at, quint64 value) {
+        QByteArray changed = archive;
+        qToLittleEndian(value, changed.data() + at);
+        QTest::newRow(tag) << changed;
+    };
+    for (const int at : {40, 48}) {
+        row(at == 40 ? "length of 2^63" : "offset of 2^63", end + at, quint64(1) << 63);
+        row(at == 40 ? "length of 2^64 - 1" : "offset of 2^64 - 1", end + at, ~quint64(0));
+        row(at == 40 ? "length of 2^63 - 1" : "offset of 2^63 - 1", end + at, ~quint64(0) >> 1);
+    }
+    QByteArray lost = archive;
+    lost[end] = 'x';
+    QTest::newRow("no end record") << lost;
+    qToLittleEndian(~quint64(0), lost.data() + locator + 8);
+    QTest::newRow("locator beyond the end of the file") << lost;
+    qToLittleEndian(static_cast<quint64>(lost.size()), lost.data() + locator + 8);
+    QTest::newRow("locator at the end of the file") << lost;
+}
+
+void TestDamagedArchives::impossibleZip64End()
+{
+    QFETCH(QByteArray, archive);
+    writeFile(path("a.zip"), archive);
+    const QString reason = unpackWithReader(path("a.zip"), path("target"));
+    QVERIFY2(reason.contains("damaged or incomplete"), qPrintable(reason));
+    QVERIFY(!QFileInfo::exists(path("target")));
 }
 
 void TestDamagedArchives::notAnArchive()

@@ -14,10 +14,10 @@ namespace {
 
 constexpr int manyEntries = 66000;
 
-ZipBuilder manyFiles()
+ZipBuilder manyFiles(int count = manyEntries)
 {
     ZipBuilder archive;
-    for (int i = 0; i < manyEntries; ++i) {
+    for (int i = 0; i < count; ++i) {
         const QByteArray number = QByteArray::number(i);
         archive.add(file("d" + QByteArray::number(i / 1000) + "/f" + number, number));
     }
@@ -34,8 +34,12 @@ class TestLargeArchives : public QObject
 private slots:
     void moreEntriesThan16Bits();
     void moreEntriesThanAnnounced();
+    void asManyEntriesAs16Bits_data();
+    void asManyEntriesAs16Bits();
     void fileBeyond4GiB();
     void smallArchiveInZip64();
+    void zip64BehindSomethingElse();
+    void offsetInZip64();
     void tooManyEntries();
 };
 
@@ -64,6 +68,33 @@ void TestLargeArchives::moreEntriesThanAnnounced()
     QCOMPARE(reader.fileList(QRegExp()).size(), manyEntries);
 }
 
+void TestLargeArchives::asManyEntriesAs16Bits_data()
+{
+    QTest::addColumn<int>("count");
+    QTest::addColumn<bool>("zip64");
+    for (const int count : {65535, 65536}) {
+        QTest::addRow("%d", count) << count << false;
+        QTest::addRow("%d in Zip64", count) << count << true;
+    }
+}
+
+/** The largest count of 16 bits stands for Zip64, and is a count all the same. */
+void TestLargeArchives::asManyEntriesAs16Bits()
+{
+    QFETCH(int, count);
+    QFETCH(bool, zip64);
+    const QTemporaryDir folder;
+    ZipBuilder archive = manyFiles(count);
+    (zip64 ? archive.useZip64() : archive).write(folder.filePath("a.zip"));
+    vx::ZipReader reader(folder.filePath("a.zip"), nullptr);
+    QVERIFY(reader.open(QIODevice::ReadOnly));
+    const QStringList names = reader.fileList(QRegExp());
+    QCOMPARE(names.size(), count);
+    reader.extractFiles({names.first(), names.last()}, folder.filePath("target"), false);
+    QCOMPARE(contentOf(folder.filePath("target/d0/f0")), QByteArray("0"));
+    QCOMPARE(contentOf(folder.filePath("target/") + names.last()), QByteArray::number(count - 1));
+}
+
 void TestLargeArchives::fileBeyond4GiB()
 {
     const QTemporaryDir folder;
@@ -84,6 +115,34 @@ void TestLargeArchives::smallArchiveInZip64()
     ZipBuilder{file("a"), declareZip64(file("b"), 7)}.useZip64().write(folder.filePath("a.zip"));
     QCOMPARE(unpackWithReader(folder.filePath("a.zip"), folder.filePath("target")), QString());
     QCOMPARE(contentOf(folder.filePath("target/b")), QByteArray("content"));
+}
+
+/** The offsets within the archive, its locator's included, know nothing of what is in front. */
+void TestLargeArchives::zip64BehindSomethingElse()
+{
+    const QTemporaryDir folder;
+    const QByteArray before = QByteArray("#!/bin/sh\n").repeated(1000);
+    ZipBuilder{file("a"), declareZip64(file("b"), 7)}.useZip64().write(folder.filePath("a.zip"),
+                                                                       before);
+    QCOMPARE(unpackWithReader(folder.filePath("a.zip"), folder.filePath("target")), QString());
+    QCOMPARE(contentOf(folder.filePath("target/b")), QByteArray("content"));
+}
+
+/** Where the data lies may stand in the extra field, alone or behind the sizes. */
+void TestLargeArchives::offsetInZip64()
+{
+    const QTemporaryDir folder;
+    ZipEntry alone = file("b", "2");
+    alone.localOffset = 0xFFFFFFFF;
+    alone.centralExtra = QByteArray("\1\0\10\0\40\0\0\0\0\0\0\0", 12); // 32
+    ZipEntry behind = declareZip64(file("c", "3"), 1);
+    behind.localOffset = 0xFFFFFFFF;
+    behind.centralExtra = QByteArray("\1\0\20\0\1\0\0\0\0\0\0\0\100\0\0\0\0\0\0\0", 20); // 64
+    ZipBuilder{file("a", "1"), alone, behind}.write(folder.filePath("a.zip"));
+    QCOMPARE(unpackWithReader(folder.filePath("a.zip"), folder.filePath("target")), QString());
+    QCOMPARE(contentOf(folder.filePath("target/a")), QByteArray("1"));
+    QCOMPARE(contentOf(folder.filePath("target/b")), QByteArray("2"));
+    QCOMPARE(contentOf(folder.filePath("target/c")), QByteArray("3"));
 }
 
 void TestLargeArchives::tooManyEntries()
