@@ -1,5 +1,6 @@
 #include "host/FileFormatsZip/WriteBehind.h"
 
+#include <system_error>
 #include <utility>
 
 #include "host/FileFormatsZip/FileWriter.h"
@@ -15,8 +16,13 @@ constexpr size_t mostWaiting = 4;
 
 WriteBehind::WriteBehind(FileWriter& writer)
     : m_writer(writer)
-    , m_thread(&WriteBehind::run, this)
-{}
+{
+    try {
+        m_thread = std::thread(&WriteBehind::run, this);
+    } catch (const std::system_error&) {
+        // The system gives no more threads: the one that is there does the work.
+    }
+}
 
 WriteBehind::~WriteBehind()
 {
@@ -26,11 +32,17 @@ WriteBehind::~WriteBehind()
         m_isEnding = true;
     }
     m_changed.notify_all();
-    m_thread.join();
+    if (m_thread.joinable()) {
+        m_thread.join();
+    }
 }
 
 void WriteBehind::write(const char* data, size_t size)
 {
+    if (!m_thread.joinable()) {
+        m_writer.write(data, size);
+        return;
+    }
     Piece piece;
     {
         std::unique_lock<std::mutex> lock(m_mutex);

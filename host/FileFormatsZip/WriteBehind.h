@@ -19,7 +19,10 @@ class FileWriter;
 class WriteBehind
 {
 public:
-    /** @p writer must outlive the object and be left alone meanwhile. Throws std::system_error. */
+    /**
+     * @p writer must outlive the object and be left alone meanwhile. If no thread is to be had,
+     * write() itself writes.
+     */
     explicit WriteBehind(FileWriter& writer);
 
     /** Ends the thread. What has not been written by then is dropped. */

@@ -1,8 +1,10 @@
 #include <QDir>
 #include <QProcess>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <pthread.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -33,6 +35,30 @@ public:
 
 private:
     rlimit m_previous = {};
+};
+
+/** Lets this process start no more threads while the object lives: their stacks would not fit. */
+class NoMoreThreads
+{
+public:
+    NoMoreThreads()
+    {
+        ::pthread_getattr_default_np(&m_previous);
+        pthread_attr_t huge;
+        ::pthread_attr_init(&huge);
+        ::pthread_attr_setstacksize(&huge, size_t(1) << 47);
+        ::pthread_setattr_default_np(&huge);
+        ::pthread_attr_destroy(&huge);
+    }
+
+    ~NoMoreThreads()
+    {
+        ::pthread_setattr_default_np(&m_previous);
+        ::pthread_attr_destroy(&m_previous);
+    }
+
+private:
+    pthread_attr_t m_previous = {};
 };
 
 /**
@@ -103,6 +129,7 @@ private slots:
     void noRightToRead();
     void readOnlyFoldersAreRemovedAgain();
     void destroyedWhileFoldersAreShut();
+    void noMoreThreads();
     void notEnoughSpace();
     void fullDisk_data();
     void fullDisk();
@@ -249,6 +276,27 @@ void TestSystemLimits::destroyedWhileFoldersAreShut()
     }
     runTool(m_folder->path(), "chmod", {"-R", "u+rwX", "."});
     QVERIFY(isRemoved || wasReady);
+}
+
+/** The thread of the job has begun when no other is to be had any more. */
+void TestSystemLimits::noMoreThreads()
+{
+    const QByteArray content = QByteArray("0123456789").repeated(1000000);
+    ZipBuilder archive;
+    for (int i = 0; i < 3000; ++i) {
+        archive.add(file("f" + QByteArray::number(i)));
+    }
+    archive.add(deflate(file("big", content))).write(path("a.zip"));
+    vx::Unzipper unzipper(path("a.zip"), path("target"), false);
+    QSignalSpy done(&unzipper, SIGNAL(unzippingDone(QString)));
+    QSignalSpy failed(&unzipper, SIGNAL(unzippingFailed(QString)));
+    QCoreApplication::processEvents();
+    {
+        const NoMoreThreads limit;
+        QTRY_VERIFY_WITH_TIMEOUT(done.size() + failed.size() == 1, 60000);
+    }
+    QVERIFY2(failed.isEmpty(), qPrintable(failed.value(0).value(0).toString()));
+    QVERIFY(contentOf(path("target/big")) == content);
 }
 
 void TestSystemLimits::notEnoughSpace()
