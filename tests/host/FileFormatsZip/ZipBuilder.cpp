@@ -243,6 +243,12 @@ ZipBuilder& ZipBuilder::announce(quint16 count)
     return *this;
 }
 
+ZipBuilder& ZipBuilder::comment(const QByteArray& comment)
+{
+    m_comment = comment;
+    return *this;
+}
+
 QByteArray ZipBuilder::end(qint64 offset, qint64 length) const
 {
     const auto count = static_cast<qint64>(m_count);
@@ -270,8 +276,8 @@ QByteArray ZipBuilder::end(qint64 offset, qint64 length) const
     put16(end, m_announced.value_or(static_cast<quint16>(m_zip64 ? 0xFFFF : count)));
     put32(end, m_zip64 ? 0xFFFFFFFF : length);
     put32(end, m_zip64 ? 0xFFFFFFFF : offset);
-    put16(end, 0); // length of the comment
-    return end;
+    put16(end, m_comment.size());
+    return end + m_comment;
 }
 
 QByteArray ZipBuilder::bytes() const

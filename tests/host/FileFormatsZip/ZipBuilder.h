@@ -86,6 +86,9 @@ public:
     /** Lets the end record announce @p count entries, whatever there is. */
     ZipBuilder& announce(quint16 count);
 
+    /** Puts a comment behind the end record. */
+    ZipBuilder& comment(const QByteArray& comment);
+
     QByteArray bytes() const;
 
     /** Writes the archive to @p path, after @p before. */
@@ -97,6 +100,7 @@ private:
     QByteArray m_data;
     QByteArray m_directory;
     quint64 m_count = 0;
+    QByteArray m_comment;
     bool m_zip64 = false;
     std::optional<quint16> m_announced;
 };

@@ -53,6 +53,9 @@ private slots:
     void emptyFile();
     void zerosAndText();
     void archiveBehindSomethingElse();
+    void aroundTheEnd_data();
+    void aroundTheEnd();
+    void directoryInAnotherOrder();
     void flat();
     void existingFolderKeepsItsMode();
 
@@ -352,6 +355,46 @@ void TestUnpackedContents::archiveBehindSomethingElse()
     archive.write(path("a.zip"), QByteArray("#!/bin/sh\n").repeated(1000));
     QCOMPARE(unpackWithReader(path("a.zip"), path("target")), QString());
     QCOMPARE(contentOf(path("target/b")), QByteArray(5000, 'b'));
+}
+
+void TestUnpackedContents::aroundTheEnd_data()
+{
+    QTest::addColumn<QByteArray>("archive");
+    ZipBuilder archive{file("a"), file("b", "hello")};
+    const QByteArray plain = archive.bytes();
+    const QByteArray emptyEnd = ZipBuilder().bytes();
+    QTest::newRow("comment") << archive.comment("Made on a Monday").bytes();
+    QTest::newRow("signature in the comment") << archive.comment("PK\5\6 and more").bytes();
+    QTest::newRow("end record in the comment") << archive.comment(emptyEnd + "!").bytes();
+    QTest::newRow("longest comment") << archive.comment(QByteArray(65535, 'c')).bytes();
+    QTest::newRow("bytes behind it") << plain + QByteArray("garbage").repeated(1000);
+    QTest::newRow("one byte behind it") << plain + '\0';
+}
+
+void TestUnpackedContents::aroundTheEnd()
+{
+    QFETCH(QByteArray, archive);
+    writeFile(path("a.zip"), archive);
+    QCOMPARE(unpackWithReader(path("a.zip"), path("target")), QString());
+    QCOMPARE(treeOf(path("target")),
+             (QMap<QByteArray, QByteArray>{{"a", "file 644 content"}, {"b", "file 644 hello"}}));
+}
+
+/** Nothing says that the directory has the order of the data. */
+void TestUnpackedContents::directoryInAnotherOrder()
+{
+    QByteArray archive = ZipBuilder{file("a", "1"), file("b", "22"), file("c", "333")}.bytes();
+    const int first = archive.indexOf("PK\1\2");
+    const int second = archive.indexOf("PK\1\2", first + 4);
+    const int third = archive.indexOf("PK\1\2", second + 4);
+    const int length = second - first;
+    archive = archive.left(first) + archive.mid(third, length) + archive.mid(first, length) +
+              archive.mid(second, length) + archive.mid(third + length);
+    writeFile(path("a.zip"), archive);
+    QCOMPARE(unpackWithReader(path("a.zip"), path("target")), QString());
+    QCOMPARE(contentOf(path("target/a")), QByteArray("1"));
+    QCOMPARE(contentOf(path("target/b")), QByteArray("22"));
+    QCOMPARE(contentOf(path("target/c")), QByteArray("333"));
 }
 
 void TestUnpackedContents::flat()

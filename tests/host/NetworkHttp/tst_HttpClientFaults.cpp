@@ -77,6 +77,7 @@ private slots:
     void endsIfNoByteComes();
     void goesOnWhileBytesCome();
     void takesNoIdleTimeoutBelowOne();
+    void waitsAMinuteByDefault();
     void endsIfTheDeviceIsFull_data();
     void endsIfTheDeviceIsFull();
     void endsIfTheDiskIsFull();
@@ -244,6 +245,13 @@ void TestHttpClientFaults::takesNoIdleTimeoutBelowOne()
     QTRY_COMPARE(receiver.results.size(), 2);
     QCOMPARE(receiver.results.at(0)->statusCode, 200);
     QCOMPARE(receiver.results.at(1)->statusCode, 200);
+}
+
+/** The minute itself is not waited for. */
+void TestHttpClientFaults::waitsAMinuteByDefault()
+{
+    const int timeout = HttpClient::defaultIdleTimeout;
+    QCOMPARE(timeout, 60000);
 }
 
 void TestHttpClientFaults::endsIfTheDeviceIsFull_data()
