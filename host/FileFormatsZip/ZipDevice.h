@@ -33,8 +33,8 @@ public:
      * stays responsive and its cancel button works.
      *
      * The dialog stays the caller's. It may be destroyed at any time, from within those events too,
-     * if it is modal by deleteLater(); the work then goes on without it. Null detaches the dialog. Without a dialog no events are
-     * processed, and the work can't be cancelled.
+     * if it is modal by deleteLater(); the work then goes on without it. Null detaches the dialog.
+     * Without a dialog no events are processed, and the work can't be cancelled.
      */
     void attachProgressDialog(QProgressDialog* dialog);
 
