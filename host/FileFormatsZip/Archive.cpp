@@ -142,12 +142,13 @@ ArchiveView Archive::view(const std::vector<RecordRange>& records) const
 void Archive::readIndex(const std::atomic<bool>& canceled)
 {
     const ArchiveView all(m_file, m_directory, m_directory.bytes(), m_directory.count());
-    ArchiveStream stream(all, ArchiveStream::Reading::Headers);
+    ArchiveStream stream(all, ArchiveStream::Reading::Headers, canceled);
     for (const DirectoryRecord& record : m_directory.records()) {
+        const bool isThere = stream.next();
         if (canceled) {
             return;
         }
-        if (!stream.next()) {
+        if (!isThere) {
             failOverNumber();
         }
         requireNameWithoutNul(m_file, headerOf(record), record);

@@ -29,8 +29,10 @@ namespace {
 
 } // namespace
 
-ArchiveStream::ArchiveStream(const ArchiveView& view, Reading reading)
+ArchiveStream::ArchiveStream(const ArchiveView& view, Reading reading,
+                             const std::atomic<bool>& canceled)
     : m_view(view)
+    , m_canceled(canceled)
     , m_buffer(static_cast<size_t>(reading))
     , m_archive(archive_read_new(), archive_read_free)
 {
@@ -49,7 +51,7 @@ ArchiveStream::ArchiveStream(const ArchiveView& view, Reading reading)
         return static_cast<la_int64_t>(skip(a, self, length));
     });
     archive_read_set_callback_data(reader, this);
-    if (archive_read_open1(reader) != ARCHIVE_OK) {
+    if (archive_read_open1(reader) != ARCHIVE_OK && !m_canceled) {
         failLike(reader);
     }
 }
@@ -59,7 +61,7 @@ ArchiveStream::~ArchiveStream() = default;
 bool ArchiveStream::next()
 {
     const int result = archive_read_next_header(m_archive.get(), &m_entry);
-    if (result == ARCHIVE_EOF) {
+    if (result == ARCHIVE_EOF || m_canceled) {
         return false;
     }
     // A mere warning, too, says that the archive contradicts itself or that a name is unreadable.
@@ -82,7 +84,7 @@ bool ArchiveStream::readBlock(const char** data, size_t* size)
     const void* block = nullptr;
     la_int64_t offset = 0;
     const int result = archive_read_data_block(m_archive.get(), &block, size, &offset);
-    if (result == ARCHIVE_EOF) {
+    if (result == ARCHIVE_EOF || m_canceled) {
         return false;
     }
     if (result != ARCHIVE_OK) {
@@ -95,6 +97,10 @@ bool ArchiveStream::readBlock(const char** data, size_t* size)
 ssize_t ArchiveStream::readMore(archive* reader, void* self, const void** data)
 {
     auto* const stream = static_cast<ArchiveStream*>(self);
+    if (stream->m_canceled) {
+        archive_set_error(reader, ECANCELED, "canceled");
+        return -1;
+    }
     const qint64 got = stream->m_view.readAt(stream->m_offset, stream->m_buffer.data(),
                                              static_cast<qint64>(stream->m_buffer.size()));
     if (got < 0) {

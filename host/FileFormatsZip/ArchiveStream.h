@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include <atomic>
 #include <cstddef>
 #include <memory>
 #include <vector>
@@ -23,8 +24,13 @@ public:
     /** How much is read from the file at once, in bytes: no more than stays in a core's cache. */
     enum class Reading { Headers = 16 * 1024, Contents = 32 * 1024 };
 
-    /** @p view must outlive the stream. Throws IOException. */
-    ArchiveStream(const ArchiveView& view, Reading reading);
+    /**
+     * @p view must outlive the stream. Throws IOException.
+     *
+     * @param canceled looked at whenever bytes are read, for the first move alone reads the whole
+     *                 directory; once it is true, next() and readBlock() give false.
+     */
+    ArchiveStream(const ArchiveView& view, Reading reading, const std::atomic<bool>& canceled);
     ~ArchiveStream();
     ArchiveStream(const ArchiveStream&) = delete;
     ArchiveStream& operator=(const ArchiveStream&) = delete;
@@ -50,6 +56,7 @@ private:
     static qint64 skip(archive*, void* self, qint64 length);
 
     const ArchiveView& m_view;
+    const std::atomic<bool>& m_canceled;
     std::vector<char> m_buffer;
     qint64 m_offset = 0;
     std::unique_ptr<archive, int (*)(archive*)> m_archive;

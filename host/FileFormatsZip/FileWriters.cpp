@@ -99,9 +99,13 @@ void FileWriters::writeShare(const Share& share, FolderCursor& folders)
         records.push_back(m_plan.files[i].record);
     }
     const ArchiveView view = m_archive.view(records);
-    ArchiveStream stream(view, ArchiveStream::Reading::Contents);
+    ArchiveStream stream(view, ArchiveStream::Reading::Contents, m_state.canceled);
     for (size_t i = share.first; i < share.second && !isStopped(); ++i) {
-        if (!stream.next()) {
+        const bool isThere = stream.next();
+        if (m_state.canceled) {
+            return;
+        }
+        if (!isThere) {
             failAsDamaged(QStringLiteral("it has changed while it was read"));
         }
         writeFile(stream, folders, m_plan.files[i]);
@@ -151,7 +155,7 @@ bool FileWriters::copyContent(ArchiveStream& stream, Sink& sink)
         sink.write(data, size);
         m_state.doneBytes += static_cast<qint64>(size);
     }
-    return true;
+    return !m_state.canceled;
 }
 
 bool FileWriters::isStopped() const
