@@ -196,8 +196,8 @@ void tst_Lint::documentsThatAreNoCatalogue_data()
     QTest::newRow("empty") << QByteArray() << "not-well-formed" << 1;
     QTest::newRow("text") << QByteArray("hello") << "not-well-formed" << 1;
     QTest::newRow("tag") << QByteArray("<a>\n<b>\n</a>") << "not-well-formed" << 3;
-    QTest::newRow("too deep") << QByteArray("<a>").repeated(1000) +
-                                     QByteArray("</a>").repeated(1000)
+    QTest::newRow("too deep") << QByteArray("<a>").repeated(1001) +
+                                     QByteArray("</a>").repeated(1001)
                               << "not-well-formed" << 1;
     QTest::newRow("no package") << QByteArray("\n<softwareList/>") << "no-package" << 2;
 }
