@@ -1,6 +1,7 @@
 // update-catalogue: tells release managers what a catalogue does before it is published.
 #include <QApplication>
 #include <QHashFunctions>
+#include <QNetworkProxyFactory>
 #include <QScopedPointer>
 
 #include "host/Core/Log.h"
@@ -46,6 +47,7 @@ int main(int argc, char** argv)
     qSetGlobalQHashSeed(0);
     const QScopedPointer<QCoreApplication> application(createApplication(argc, argv));
     silenceLog();
+    QNetworkProxyFactory::setUseSystemConfiguration(true);
     vx::Terminal terminal(stdout);
     return vx::runCommandLine(QCoreApplication::arguments(), terminal);
 }

@@ -4,6 +4,7 @@
 #include "tests/tools/update-catalogue/WorkbenchRun.h"
 #include "tools/server/UpdateServer.h"
 #include "tools/update-catalogue/Commands.h"
+#include "tools/update-catalogue/lint/Rule.h"
 
 using vx::test::runWorkbench;
 using vx::test::WorkbenchRun;
@@ -17,7 +18,9 @@ private slots:
     void everyCommandHasHelpWithAnExample();
     void misuse_data();
     void misuse();
+    void listsTheRules();
     void readsStandardInput();
+    void asksForSizesThroughTheProxyOfTheEnvironment();
     void readsUrls();
     void unreadable_data();
     void unreadable();
@@ -85,6 +88,30 @@ void tst_CommandLine::readsStandardInput()
     const WorkbenchRun run = runWorkbench({"lint", "-", "--rule", "no-package"}, "<a/>");
     QCOMPARE(run.exitCode, 1);
     QVERIFY(run.output.startsWith("standard input:1:1: error: "));
+}
+
+void tst_CommandLine::listsTheRules()
+{
+    const WorkbenchRun run = runWorkbench({"lint", "--list"});
+    QCOMPARE(run.exitCode, 0);
+    for (const vx::Rule& rule : vx::allRules()) {
+        QVERIFY(run.output.contains(rule.name));
+        QVERIFY(run.output.contains(rule.description));
+    }
+}
+
+void tst_CommandLine::asksForSizesThroughTheProxyOfTheEnvironment()
+{
+    vx::UpdateServer server;
+    QVERIFY(server.start());
+    qputenv("http_proxy", server.url().toString().toLatin1());
+    const WorkbenchRun run =
+        runWorkbench({"lint", "-", "--check-urls", "--rule", "size-mismatch", "--json"},
+                     vx::test::sampleCatalogue());
+    qunsetenv("http_proxy");
+    QCOMPARE(run.exitCode, 1);
+    QVERIFY(run.json()["findings"][0]["message"].toString().contains("not to be had"));
+    QCOMPARE(server.requests().first().host, QByteArray("h.example:80"));
 }
 
 void tst_CommandLine::readsUrls()

@@ -1,7 +1,9 @@
+#include <QNetworkProxy>
 #include <QtTest>
 
 #include "host/Core/Log.h"
 #include "tests/support/TestMain.h"
+#include "tools/server/UpdateServer.h"
 #include "tools/update-catalogue/lint/Linter.h"
 
 namespace {
@@ -63,6 +65,8 @@ private slots:
     void documentsThatAreNoCatalogue();
     void comparesSizesWithFiles_data();
     void comparesSizesWithFiles();
+    void comparesSizesWithTheServer_data();
+    void comparesSizesWithTheServer();
     void selectsRules();
     void findsPlacesInOtherEncodings();
     void findsStartOfTagOfSeveralLines();
@@ -245,6 +249,42 @@ void tst_Lint::comparesSizesWithFiles()
         QCOMPARE(findings.first().rule, QString("size-mismatch"));
         QVERIFY(findings.first().sentence.contains(sentence));
     }
+}
+
+void tst_Lint::comparesSizesWithTheServer_data()
+{
+    comparesSizesWithFiles_data();
+}
+
+void tst_Lint::comparesSizesWithTheServer()
+{
+    QFETCH(int, bytes);
+    QFETCH(QString, sentence);
+    // As a proxy it answers for the host of the catalogue, at port 80.
+    vx::UpdateServer server;
+    vx::ServedReply firmware;
+    firmware.body = QByteArray(2048, 'f');
+    server.setReply("/firmware.bin", firmware);
+    vx::ServedReply package;
+    package.body = QByteArray(std::max(bytes, 0), 'p');
+    package.status = bytes < 0 ? 404 : 200;
+    server.setReply("/Manager.mpkg.zip", package);
+    QVERIFY(server.start());
+    QNetworkProxy::setApplicationProxy(
+        QNetworkProxy(QNetworkProxy::HttpProxy, "127.0.0.1", server.port()));
+
+    vx::LintOptions options = clientOptions();
+    options.checkUrls = true;
+    const vx::FindingList findings = lint(soundCatalogue, options);
+    QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
+    QCOMPARE(findings.size(), sentence.isEmpty() ? 0 : 1);
+    if (!findings.isEmpty()) {
+        QCOMPARE(findings.first().rule, QString("size-mismatch"));
+        QVERIFY(findings.first().sentence.contains(sentence));
+        QVERIFY(findings.first().sentence.contains("on the server"));
+    }
+    QCOMPARE(server.requests().size(), 2);
+    QCOMPARE(server.requests().first().method, QByteArray("HEAD"));
 }
 
 void tst_Lint::selectsRules()
