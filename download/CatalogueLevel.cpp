@@ -35,6 +35,7 @@ CatalogueLevel::CatalogueLevel(const QDomNode& node, CatalogueLevel* outer, Read
     : m_attributes(node.attributes())
     , m_hasAttributes(!m_attributes.isEmpty())
     , m_outer(outer)
+    , m_outermost(outer != nullptr ? outer->m_outermost : this)
     , m_budget(budget)
 {
     for (QDomElement child = node.firstChildElement(); !child.isNull();
@@ -113,16 +114,39 @@ const QStringSet& CatalogueLevel::wordsFromHere(CatalogueField field)
 QStringSet CatalogueLevel::ownWords(CatalogueField field) const
 {
     QStringSet words;
-    const auto add = [&words](const QString& text) {
-        addAll(words, StringUtils::splitStringSet(text, StringUtils::splitWords, skipEmptyParts));
-    };
     for (const QDomElement& element : elements(field)) {
-        add(textOf(element));
+        addAll(words, m_outermost->wordsIn(textOf(element)));
     }
     if (const std::optional<QString> text = attribute(field)) {
-        add(*text);
+        addAll(words, m_outermost->wordsIn(*text));
     }
     return words;
+}
+
+QDateTime CatalogueLevel::releaseDate()
+{
+    return m_outermost->dateIn(value(DateField));
+}
+
+/** Packages come out together, and the system looks up its time zone for each time that is made. */
+QDateTime CatalogueLevel::dateIn(const QString& text)
+{
+    const auto known = m_datesOfTexts.constFind(text);
+    if (known != m_datesOfTexts.constEnd()) {
+        return *known;
+    }
+    return *m_datesOfTexts.insert(text, DownloadManager::parseReleaseDate(text));
+}
+
+/** A catalogue repeats few platforms and languages in many packages, and splitting takes long. */
+const QStringSet& CatalogueLevel::wordsIn(const QString& text)
+{
+    const auto known = m_wordsOfTexts.constFind(text);
+    if (known != m_wordsOfTexts.constEnd()) {
+        return *known;
+    }
+    return *m_wordsOfTexts.insert(
+        text, StringUtils::splitStringSet(text, StringUtils::splitWords, skipEmptyParts));
 }
 
 void CatalogueLevel::addUrls(CatalogueField field, UrlMap& urls)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QPair>
 #include <QString>
 #include <QUrl>
@@ -47,6 +48,9 @@ public:
     /** The nearest value of a single field. */
     const QString& value(CatalogueField field);
 
+    /** What DownloadManager::parseReleaseDate makes of the nearest DateField. */
+    QDateTime releaseDate();
+
     /** Adds the words of every LanguageField or PlatformField from here upwards. */
     void addWords(CatalogueField field, QStringSet& words);
 
@@ -61,6 +65,8 @@ private:
     std::optional<QString> attribute(CatalogueField field) const;
     const QStringSet& wordsFromHere(CatalogueField field);
     QStringSet ownWords(CatalogueField field) const;
+    const QStringSet& wordsIn(const QString& text);
+    QDateTime dateIn(const QString& text);
     CatalogueLevel* outerWithUrls(CatalogueField field);
     const Urls& ownUrls(CatalogueField field);
     Urls readOwnUrls(CatalogueField field);
@@ -70,12 +76,16 @@ private:
     QDomNamedNodeMap m_attributes;
     bool m_hasAttributes;
     CatalogueLevel* m_outer;
+    CatalogueLevel* m_outermost;
     ReadingBudget& m_budget;
     QDomElement m_file;
     std::array<std::optional<QString>, singleFieldCount> m_values;
     std::array<QVector<QDomElement>, gatheredFieldCount> m_elements;
     std::array<std::optional<QStringSet>, gatheredFieldCount> m_words;
     std::array<std::optional<Urls>, gatheredFieldCount> m_urls;
+    // What was made of a text before, at the outermost level alone.
+    QHash<QString, QStringSet> m_wordsOfTexts;
+    QHash<QString, QDateTime> m_datesOfTexts;
     std::array<std::optional<CatalogueLevel*>, gatheredFieldCount> m_outerWithUrls;
 };
 

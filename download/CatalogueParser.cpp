@@ -23,8 +23,7 @@ void fillRecord(CatalogueLevel& start, ReadingBudget& budget, PackageInfo& info)
     info.release = start.value(ReleaseField);
     info.publicRelease = start.value(PublicReleaseField);
     info.status = start.value(StatusField);
-    const QString date = start.value(DateField);
-    info.date = DownloadManager::parseReleaseDate(date);
+    info.date = start.releaseDate();
     // Plain concatenation: catalogues may cut an address in two anywhere.
     const QString address = start.value(BaseUrlField) + start.value(UrlField);
     info.url = QUrl(address);
@@ -35,7 +34,7 @@ void fillRecord(CatalogueLevel& start, ReadingBudget& budget, PackageInfo& info)
     info.fileSize = DownloadManager::parseFileSize(fileSize);
     info.packageType = DownloadManager::parsePackageSuffix(info.url.toString());
     info.comment = start.value(CommentField);
-    budget.spend(date.size() + address.size() + fileSize.size());
+    budget.spend(start.value(DateField).size() + address.size() + fileSize.size());
 }
 
 void readPackage(const QDomElement& elm, CatalogueLevel* set, ReadingBudget& budget,

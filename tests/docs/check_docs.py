@@ -68,7 +68,8 @@ class Checker:
     def check_cmake(self, code):
         project = ("cmake_minimum_required(VERSION 3.20)\nproject(Block LANGUAGES NONE)\n"
                    "function(find_package)\nendfunction()\nfunction(add_library)\nendfunction()\n"
-                   "function(target_link_libraries)\nendfunction()\n" + code)
+                   "function(target_link_libraries)\nendfunction()\n"
+                   "function(target_link_options)\nendfunction()\n" + code)
         with tempfile.TemporaryDirectory() as folder:
             with open(os.path.join(folder, "CMakeLists.txt"), "w", encoding="utf-8") as lists:
                 lists.write(project)
