@@ -27,4 +27,11 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "qtbase5-dev, libboost-dev")
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "${PROJECT_DESCRIPTION} (development files)
  Headers, CMake package, pkg-config file and the catalogue workbench.")
 
+# Where the libraries lie that the workbench, which is in the other package, needs.
+get_property(installed_targets GLOBAL PROPERTY VX_INSTALLED_TARGETS)
+foreach(target IN LISTS installed_targets)
+  get_target_property(folder ${target} BINARY_DIR)
+  list(APPEND CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${folder}")
+endforeach()
+
 include(CPack)
