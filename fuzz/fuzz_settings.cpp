@@ -3,6 +3,7 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QRegularExpression>
 #include <QSettings>
 #include <QTemporaryDir>
 
@@ -91,11 +92,10 @@ bool holdsForeignBinaryValue(const QByteArray& bytes)
  */
 bool holdsTimeOutOfReach(const QByteArray& bytes)
 {
+    static const QRegularExpression ordinaryKey(QStringLiteral(R"(^[\w-]+(\\[\w-]+)*$)"));
     for (const QByteArray& line : bytes.split('\n')) {
-        const QByteArray key = line.left(std::max(line.indexOf('='), 0));
-        const bool isOrdinary =
-            !key.isEmpty() && !key.startsWith('\\') && !key.endsWith('\\') && !key.contains("\\\\");
-        if (line.contains("@DateTime(") && !isOrdinary) {
+        const QString key = QString::fromLatin1(line.left(std::max(line.indexOf('='), 0)));
+        if (line.contains("@DateTime(") && !ordinaryKey.match(key).hasMatch()) {
             return true;
         }
     }
