@@ -95,7 +95,9 @@ bool holdsTimeOutOfReach(const QByteArray& bytes)
     static const QRegularExpression ordinaryKey(QStringLiteral(R"(^[\w-]+(\\[\w-]+)*$)"));
     for (const QByteArray& line : bytes.split('\n')) {
         const QString key = QString::fromLatin1(line.left(std::max(line.indexOf('='), 0)));
-        if (line.contains("@DateTime(") && !ordinaryKey.match(key).hasMatch()) {
+        const bool isOddGroup = line.startsWith('[') && line.contains('\\');
+        const bool isOddTime = line.contains("@DateTime(") && !ordinaryKey.match(key).hasMatch();
+        if (isOddGroup || isOddTime) {
             return true;
         }
     }
