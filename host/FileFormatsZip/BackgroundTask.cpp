@@ -42,7 +42,7 @@ BackgroundTask::~BackgroundTask()
     wait();
 }
 
-void BackgroundTask::start(std::function<void()> work, std::function<void()> whenEnded)
+void BackgroundTask::start(std::function<void()> work, const std::function<void()>& whenEnded)
 {
     const std::lock_guard<std::mutex> lock(m_threadMutex);
     try {

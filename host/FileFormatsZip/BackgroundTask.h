@@ -28,7 +28,7 @@ public:
      * thread. If no thread is to be had, the task ends at once with a failure, and @p whenEnded is
      * called on the caller's thread.
      */
-    void start(std::function<void()> work, std::function<void()> whenEnded = {});
+    void start(std::function<void()> work, const std::function<void()>& whenEnded = {});
 
     /** Waits for the end, for at most @p milliseconds. Gives whether the end is reached. */
     bool waitFor(int milliseconds);

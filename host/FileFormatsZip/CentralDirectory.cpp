@@ -15,7 +15,7 @@ namespace {
 
 constexpr char recordSignature[] = "PK\1\2";
 constexpr int recordLength = 46;
-constexpr qint64 mostBytes = 512 * 1024 * 1024;
+constexpr qint64 mostBytes = 512LL * 1024 * 1024;
 
 constexpr quint16 zip64Id = 1;
 constexpr quint16 unicodePathId = 0x7075;

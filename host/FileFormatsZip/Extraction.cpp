@@ -111,7 +111,8 @@ void Extraction::requireSpace() const
         fail(QStringLiteral("The archive is refused: it declares %1, more than its %2 can hold.")
                  .arg(readable(m_plan.totalSize()), readable(m_archive.size())));
     }
-    const auto entries = static_cast<qint64>(m_plan.files.size() + m_plan.folders.size());
+    const auto entries =
+        static_cast<qint64>(m_plan.files.size()) + static_cast<qint64>(m_plan.folders.size());
     const qint64 needed = m_plan.totalSize() + entries * overheadPerEntry;
     const qint64 available = m_target.freeBytes();
     if (needed > available) {

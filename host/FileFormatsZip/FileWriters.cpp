@@ -18,16 +18,16 @@ namespace vx {
 namespace {
 
 // Creating a file takes about as long as inflating this many bytes.
-constexpr qint64 costPerFile = 16 * 1024;
+constexpr qint64 costPerFile = 16LL * 1024;
 
 // A share is large enough that taking it costs nothing, and small enough for an even end.
-constexpr qint64 costPerShare = 4 * 1024 * 1024;
+constexpr qint64 costPerShare = 4LL * 1024 * 1024;
 
 // Below this much work for each, threads cost more than they save.
-constexpr qint64 costPerThread = 4 * 1024 * 1024;
+constexpr qint64 costPerThread = 4LL * 1024 * 1024;
 
 // Below this size a thread that only writes costs more than it saves.
-constexpr qint64 sizeWorthOverlap = 4 * 1024 * 1024;
+constexpr qint64 sizeWorthOverlap = 4LL * 1024 * 1024;
 
 // More would only wait for the disk.
 constexpr size_t mostThreads = 4;
