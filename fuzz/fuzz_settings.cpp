@@ -93,9 +93,11 @@ bool holdsForeignBinaryValue(const QByteArray& bytes)
 bool holdsTimeOutOfReach(const QByteArray& bytes)
 {
     static const QRegularExpression ordinaryKey(QStringLiteral(R"(^[\w-]+(\\[\w-]+)*$)"));
+    static const QRegularExpression ordinaryGroup(QStringLiteral(R"(^\[[\w-]+\]$)"));
     for (const QByteArray& line : bytes.split('\n')) {
         const QString key = QString::fromLatin1(line.left(std::max(line.indexOf('='), 0)));
-        const bool isOddGroup = line.startsWith('[') && line.contains('\\');
+        const bool isOddGroup =
+            line.startsWith('[') && !ordinaryGroup.match(QString::fromLatin1(line)).hasMatch();
         const bool isOddTime = line.contains("@DateTime(") && !ordinaryKey.match(key).hasMatch();
         if (isOddGroup || isOddTime) {
             return true;
