@@ -86,6 +86,12 @@ bool holdsForeignBinaryValue(const QByteArray& bytes)
     return bytes.contains("@Variant(") || bytes.count("@DateTime(") != bytes.count(beginOfTime);
 }
 
+bool matches(const QRegularExpression& pattern, const QByteArray& bytes)
+{
+    // With its length, for there may be a NUL within.
+    return pattern.match(QString::fromLatin1(bytes.constData(), bytes.size())).hasMatch();
+}
+
 /**
  * Whether a time in @p bytes has a key that Qt reads and writes, but lists under another name, so
  * that nobody can get at it.
@@ -95,10 +101,9 @@ bool holdsTimeOutOfReach(const QByteArray& bytes)
     static const QRegularExpression ordinaryKey(QStringLiteral(R"(^[\w-]+(\\[\w-]+)*$)"));
     static const QRegularExpression ordinaryGroup(QStringLiteral(R"(^\[[\w-]+\]$)"));
     for (const QByteArray& line : bytes.split('\n')) {
-        const QString key = QString::fromLatin1(line.left(std::max(line.indexOf('='), 0)));
-        const bool isOddGroup =
-            line.startsWith('[') && !ordinaryGroup.match(QString::fromLatin1(line)).hasMatch();
-        const bool isOddTime = line.contains("@DateTime(") && !ordinaryKey.match(key).hasMatch();
+        const QByteArray key = line.left(std::max(line.indexOf('='), 0));
+        const bool isOddGroup = line.startsWith('[') && !matches(ordinaryGroup, line);
+        const bool isOddTime = line.contains("@DateTime(") && !matches(ordinaryKey, key);
         if (isOddGroup || isOddTime) {
             return true;
         }
