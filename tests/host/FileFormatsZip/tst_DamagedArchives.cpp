@@ -24,6 +24,23 @@ QMap<QByteArray, QByteArray> payloadOf(const QString& folder)
     return payload;
 }
 
+/** Among changed modes are some that keep an ordinary user from reading and removing. */
+void openToOwner(const QString& path)
+{
+    const QFileInfo entry(path);
+    if (entry.isSymLink()) {
+        return;
+    }
+    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    if (entry.isDir()) {
+        const QStringList names =
+            QDir(path).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+        for (const QString& name : names) {
+            openToOwner(QDir(path).filePath(name));
+        }
+    }
+}
+
 } // namespace
 
 /** An archive that was cut or changed on its way. */
@@ -99,14 +116,13 @@ void TestDamagedArchives::changedAnywhere()
         writeFile(path("a.zip"), changed);
         const QString target = path("target%1").arg(at);
         if (unpackWithReader(path("a.zip"), target).isEmpty()) {
+            openToOwner(target);
             QVERIFY2(payloadOf(target) == original, qPrintable(QString::number(at)));
         } else {
             ++noticed;
             QVERIFY2(!QFileInfo::exists(target), qPrintable(QString::number(at)));
         }
     }
-    // Among the changed modes are some that would keep the folder from being removed.
-    runTool(m_folder->path(), "chmod", {"-R", "u+rwX", "."});
     QVERIFY2(noticed > archive.size() / 2, qPrintable(QString::number(noticed)));
 }
 
