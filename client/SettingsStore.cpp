@@ -4,6 +4,7 @@
 #include <QTimeZone>
 #include <QVariant>
 
+#include <algorithm>
 #include <memory>
 
 #include "client/SoftwareUpdateConstants.h"
@@ -32,13 +33,22 @@ bool isUnwritable(const QDateTime& time)
     return time.timeSpec() == Qt::TimeZone && !time.timeZone().isValid();
 }
 
+/** A list is what the store makes of a value with commas. */
+bool holdsUnwritableTime(const QVariant& value)
+{
+    if (value.type() == QVariant::List) {
+        const QVariantList items = value.toList();
+        return std::any_of(items.begin(), items.end(), holdsUnwritableTime);
+    }
+    return value.type() == QVariant::DateTime && isUnwritable(value.toDateTime());
+}
+
 // Qt writes a whole file at once, so that one such value of any part of the application would do.
 void removeUnwritableTimes(QSettings& store)
 {
     const QStringList keys = store.allKeys();
     for (const QString& key : keys) {
-        const QVariant value = store.value(key);
-        if (value.type() == QVariant::DateTime && isUnwritable(value.toDateTime())) {
+        if (holdsUnwritableTime(store.value(key))) {
             store.remove(key);
         }
     }
