@@ -6,6 +6,7 @@
 #include <QtTest>
 
 #include "dialogs/SoftwareUpdateDialog.h"
+#include "tests/client/CheckTexts.h"
 #include "tests/client/ClientFixture.h"
 #include "tests/support/TestMain.h"
 
@@ -14,19 +15,7 @@ using namespace vx::test;
 
 namespace {
 
-const QString timeoutLine = QStringLiteral(
-    "SoftwareUpdateClient::requestTimeout() -> Timeout occurred requesting update server!");
-const QString upToDateLine =
-    QStringLiteral("SoftwareUpdateClient::productUpToDate() -> product is up to date!");
-const QString evaluation = QStringLiteral("SoftwareUpdateClient::evaluateServerResponse() -> ");
 const QString performed = QStringLiteral("SoftwareUpdateClient::performUpdateCheck() -> ");
-
-QList<PackageFields> nothingNew()
-{
-    PackageFields fields = applicationPackage();
-    fields[QStringLiteral("release")] = QStringLiteral("0.1");
-    return {fields};
-}
 
 ServedReply redirect(int status, const QByteArray& location)
 {

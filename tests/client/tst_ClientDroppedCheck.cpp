@@ -1,29 +1,13 @@
 #include <QTimer>
 #include <QtTest>
 
+#include "tests/client/CheckTexts.h"
 #include "tests/client/ClientFixture.h"
 #include "tests/client/SilentServer.h"
 #include "tests/support/TestMain.h"
 
 using namespace vx;
 using namespace vx::test;
-
-namespace {
-
-const QString timeoutLine = QStringLiteral(
-    "SoftwareUpdateClient::requestTimeout() -> Timeout occurred requesting update server!");
-const QString upToDateLine =
-    QStringLiteral("SoftwareUpdateClient::productUpToDate() -> product is up to date!");
-const QString evaluation = QStringLiteral("SoftwareUpdateClient::evaluateServerResponse() -> ");
-
-QList<PackageFields> nothingNew()
-{
-    PackageFields fields = applicationPackage();
-    fields[QStringLiteral("release")] = QStringLiteral("0.1");
-    return {fields};
-}
-
-} // namespace
 
 // A check that is over takes its request with it, and is not in the way of the next one.
 class tst_ClientDroppedCheck : public QObject
