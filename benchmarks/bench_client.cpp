@@ -23,7 +23,7 @@ QByteArray catalogue(int packages)
                 "</release><status>STABLE</status>"
                 "<platform>Mac32 Mac64</platform><file-size>12MB</file-size>"
                 "<release-date>2012-03-04</release-date>"
-                "<url>http://download.example/app.mpkg.zip</url></package>";
+                "<url>http://download.example.com/app.mpkg.zip</url></package>";
     }
     return text + "</softwareList>";
 }

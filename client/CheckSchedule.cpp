@@ -1,8 +1,6 @@
 #include "client/SoftwareUpdateClient.h"
 
-#include <QTimer>
-
-#include "package/LogLine.h"
+#include "base/LogLine.h"
 
 namespace vx {
 
@@ -57,33 +55,6 @@ void SoftwareUpdateClient::doInitialCheck(int msDelay)
     getCurrentSettings(&record);
     if (record.doUpdateCheck && record.updateInterval == AtApplicationStart) {
         checkForUpdate(msDelay);
-    }
-}
-
-void SoftwareUpdateClient::checkForUpdate(int millisecondsDelay)
-{
-    SoftwareUpdateSettings record;
-    getCurrentSettings(&record);
-    if (!record.doUpdateCheck) {
-        return;
-    }
-    if (millisecondsDelay < 1) {
-        if (!updateDialog) {
-            checkForUpdate();
-        }
-        return;
-    }
-    // Kept until the client goes, so that any number of delayed checks can wait side by side.
-    auto* delayTimer = new QTimer(this);
-    QObject::connect(delayTimer, SIGNAL(timeout()), this, SLOT(doBackgroundCheck()));
-    delayTimer->setSingleShot(true);
-    delayTimer->start(millisecondsDelay);
-}
-
-void SoftwareUpdateClient::doBackgroundCheck()
-{
-    if (!updateDialog) {
-        checkForUpdate();
     }
 }
 

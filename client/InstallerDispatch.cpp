@@ -1,10 +1,15 @@
 #include "client/SoftwareUpdateClient.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QPointer>
 #include <QProcess>
 
-#include "client/MessageBoxes.h"
-#include "package/LogLine.h"
+#include "base/LogLine.h"
+#include "client/internal/ClientTrust.h"
+#include "client/internal/MessageBoxes.h"
+#include "trust/UpdateTrust.h"
+#include "trust/internal/TrustTexts.h"
 
 namespace vx {
 
@@ -21,9 +26,26 @@ void logTryingToRun(const QString& operation, const QString& path)
 
 void SoftwareUpdateClient::downloadFinished()
 {
+    QString type = packageList.value(installIndexes.value(0, -1)).packageType;
+    if (UpdateTrust::isRequired()) {
+        ClientTrust& trust = ClientTrust::of(this);
+        const std::optional<VerifiedPackage> verified = trust.takeVerified();
+        if (!verified) {
+            // Comes back here once the file has turned out to be what the user confirmed.
+            trust.verify(downloadFilePath, progressDialog,
+                         [this](const QString& path, const QString& reason) {
+                             downloadFilePath = path;
+                             abortDownload();
+                             QDir().rmdir(QFileInfo(path).path());
+                             showError(packageRefusedTitle(), reason, parentWidget, windowFlags);
+                         });
+            return;
+        }
+        downloadFilePath = verified->path;
+        type = verified->packageType;
+    }
     deleteProgressDialog();
     deleteUpdateAvailableDialog();
-    const QString type = packageList.value(installIndexes.value(0, -1)).packageType;
     if (type == QLatin1String("exe")) {
         installEXEPackage();
     } else if (type == QLatin1String("mpkg")) {
@@ -51,7 +73,7 @@ void SoftwareUpdateClient::downloadFinished()
 void SoftwareUpdateClient::installEXEPackage()
 {
     logTryingToRun(QStringLiteral("installEXEPackage"), downloadFilePath);
-    // With an argument list, lest the path be split at blanks.
+    // With an argument list, so that the path is not split at spaces.
     QProcess::startDetached(downloadFilePath, QStringList());
 }
 

@@ -5,21 +5,16 @@
 #include <QFileInfo>
 #include <QUrl>
 
+#include "base/LogLine.h"
 #include "download/DownloadManager.h"
-#include "package/LogLine.h"
 
 namespace vx {
 
 namespace {
 
-DownloadManager* newUnzipManager()
-{
-    return new DownloadManager;
-}
-
 QFileInfoList installerBundlesIn(const QString& folder)
 {
-    // Bundles are folders; a plain file of that name is none.
+    // Bundles are folders; a plain file of that name is not a bundle.
     return QDir(folder).entryInfoList(
         {QStringLiteral("*.mpkg")},
         QDir::Dirs | QDir::NoSymLinks | QDir::Readable | QDir::NoDotAndDotDot, QDir::Unsorted);
@@ -29,18 +24,18 @@ QFileInfoList installerBundlesIn(const QString& folder)
 
 void SoftwareUpdateClient::installMPKGPackage()
 {
-    if (!unzipManager) {
-        unzipManager = newUnzipManager();
+    if (unzipManager == nullptr) {
+        unzipManager = new DownloadManager;
     }
     unzipManager->unzipPackage(downloadFilePath);
-    // In time, since unpacking reports through the event loop.
+    // No end is missed by connecting after the call: unpacking reports it through the event loop.
     QObject::connect(unzipManager, SIGNAL(unzippingDone(QString)), this,
                      SLOT(unzippedMPKGPackage(QString)));
 }
 
 void SoftwareUpdateClient::unzippedMPKGPackage(const QString& unzippedFilePath)
 {
-    if (unzipManager) {
+    if (unzipManager != nullptr) {
         unzipManager->deleteLater();
         unzipManager = nullptr;
     }

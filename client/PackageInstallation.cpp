@@ -4,15 +4,18 @@
 #include <QPointer>
 #include <QProgressDialog>
 
-#include "client/ForgetWhenDestroyed.h"
-#include "client/MessageBoxes.h"
+#include "base/ForgetWhenDestroyed.h"
+#include "base/KeepForever.h"
+#include "base/LogLine.h"
+#include "client/internal/ClientTrust.h"
+#include "client/internal/MessageBoxes.h"
 #include "dialogs/SoftwareUpdateAvailableDialog.h"
 #include "download/DownloadManager.h"
 #include "host/GUIBaseUtils/DialogFlags.h"
 #include "host/IO/FileUtils.h"
 #include "host/NetworkHttp/HttpAccess.h"
 #include "host/NetworkHttp/HttpHost.h"
-#include "package/LogLine.h"
+#include "trust/UpdateTrust.h"
 
 namespace vx {
 
@@ -35,7 +38,8 @@ bool confirmInstallation(QWidget* parent)
 DownloadManager* newDownloadManager(const QNetworkProxy& proxy)
 {
     const HttpAccess proxyAccess(proxy.hostName(), proxy.port(), QString(), QString());
-    return new DownloadManager(HttpHost(HttpAccess(), proxyAccess, QString()), QString());
+    return keepForever(
+        new DownloadManager(HttpHost(HttpAccess(), proxyAccess, QString()), QString()));
 }
 
 // May be empty or "..", since it comes from the catalogue. Such a path can't be opened for writing,
@@ -86,17 +90,23 @@ void SoftwareUpdateClient::installPackage(int itemIndex)
     logLine(1, QStringLiteral("SoftwareUpdateClient::downloadPackage() -> ") +
                    package.url.toString() + QStringLiteral(" to ") + downloadFilePath);
     // With a dialog there already, the new download runs unobserved.
-    if (!progressDialog) {
+    if (progressDialog == nullptr) {
         progressDialog = new QProgressDialog(updateAvailableDialog, windowFlags);
         forgetWhenDestroyed(this, progressDialog);
         connectDownload(manager, progressDialog, this);
+        if (UpdateTrust::isRequired()) {
+            ClientTrust::of(this).follow(manager, progressDialog);
+        }
+    }
+    if (UpdateTrust::isRequired()) {
+        ClientTrust::of(this).confirm(downloadFilePath, package);
     }
     manager->startDownload(package, downloadFilePath);
 }
 
 void SoftwareUpdateClient::downloadProgress(int value, int total)
 {
-    if (progressDialog) {
+    if (progressDialog != nullptr) {
         progressDialog->setRange(0, total);
         progressDialog->setValue(value);
     }
@@ -125,7 +135,7 @@ void SoftwareUpdateClient::abortDownload()
 
 void SoftwareUpdateClient::deleteProgressDialog()
 {
-    if (progressDialog) {
+    if (progressDialog != nullptr) {
         progressDialog->setVisible(false);
         progressDialog->deleteLater();
     }

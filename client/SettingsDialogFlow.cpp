@@ -2,7 +2,7 @@
 
 #include "dialogs/SoftwareUpdateDialog.h"
 #include "host/CoreQt/Connect.h"
-#include "host/CoreQt/DeprecatedQt.h"
+#include "host/CoreQt/QtVersions.h"
 #include "host/GUIBaseUtils/DialogFlags.h"
 
 namespace vx {
@@ -38,7 +38,7 @@ SoftwareUpdateDialogSettings dialogSettingsOf(const SoftwareUpdateSettings& reco
 
 void SoftwareUpdateClient::queryForUpdate(Qt::WindowFlags flags, bool modal)
 {
-    if (!updateDialog) {
+    if (updateDialog == nullptr) {
         updateDialog = new SoftwareUpdateDialog(parentWidget, flags ? flags : windowFlags);
         updateDialog->setModal(modal);
         connectDialog(updateDialog, this);
@@ -74,7 +74,7 @@ void SoftwareUpdateClient::applyDialogSettings(const SoftwareUpdateDialogSetting
 
 void SoftwareUpdateClient::deleteUpdateDialog()
 {
-    if (updateDialog) {
+    if (updateDialog != nullptr) {
         updateDialog->setVisible(false);
         updateDialog->deleteLater();
     }

@@ -1,58 +1,15 @@
 #include "client/SoftwareUpdateClient.h"
 
-#include <QCoreApplication>
-#include <QTimeZone>
 #include <QVariant>
 
-#include <algorithm>
-#include <memory>
-
+#include "base/ReleaseNumber.h"
 #include "client/SoftwareUpdateConstants.h"
-#include "package/ReleaseNumber.h"
+#include "client/internal/Store.h"
+#include "host/CoreQt/QtVersions.h"
 
 namespace vx {
 
 namespace {
-
-QString textOr(const QString& text, const QString& fallback)
-{
-    return text.isEmpty() ? fallback : text;
-}
-
-std::unique_ptr<QSettings> openStore()
-{
-    return std::make_unique<QSettings>(
-        SoftwareUpdateClient::sSoftUpQSettingsFormat, SoftwareUpdateClient::sSoftUpQSettingsScope,
-        textOr(QCoreApplication::organizationName(), QStringLiteral("Veldrix")),
-        textOr(QCoreApplication::applicationName(), QStringLiteral("softwareUpdate")));
-}
-
-/** A time that a damaged store can give, and that Qt crashes on when it writes the store. */
-bool isUnwritable(const QDateTime& time)
-{
-    return time.timeSpec() == Qt::TimeZone && !time.timeZone().isValid();
-}
-
-/** A list is what the store makes of a value with commas. */
-bool holdsUnwritableTime(const QVariant& value)
-{
-    if (value.type() == QVariant::List) {
-        const QVariantList items = value.toList();
-        return std::any_of(items.begin(), items.end(), holdsUnwritableTime);
-    }
-    return value.type() == QVariant::DateTime && isUnwritable(value.toDateTime());
-}
-
-// Qt writes a whole file at once, so that one such value of any part of the application would do.
-void removeUnwritableTimes(QSettings& store)
-{
-    const QStringList keys = store.allKeys();
-    for (const QString& key : keys) {
-        if (holdsUnwritableTime(store.value(key))) {
-            store.remove(key);
-        }
-    }
-}
 
 QDateTime storedTime(const QVariant& value)
 {
@@ -67,7 +24,7 @@ bool flagOr(const QVariant& value, bool fallback)
 
 VersionNumber storedVersion(const QVariant& value)
 {
-    return value.isNull() ? VersionNumber("0") : releaseNumber(value.toString());
+    return isNullValue(value) ? VersionNumber("0") : releaseNumber(value.toString());
 }
 
 QStringList storedList(const QVariant& value)
@@ -131,8 +88,7 @@ void SoftwareUpdateClient::getCurrentSettings(SoftwareUpdateSettings* record)
 
 void SoftwareUpdateClient::setCurrentSettings(const SoftwareUpdateSettings* record)
 {
-    const auto store = openStore();
-    removeUnwritableTimes(*store);
+    const auto store = openStoreToWrite();
     store->setValue(sSoftUpSettingsDoUpdateCheckKey, record->doUpdateCheck);
     store->setValue(sSoftUpSettingsCheckForBetaKey, record->checkForBeta);
     store->setValue(sSoftUpSettingsIntervalKey, record->updateInterval);
@@ -141,7 +97,7 @@ void SoftwareUpdateClient::setCurrentSettings(const SoftwareUpdateSettings* reco
         store->setValue(sSoftUpSettingsVersionNumberKey, releaseText(record->versionNumber));
     }
     writeText(*store, sSoftUpSettingsProductKey, record->product);
-    if (!record->lastCheck.isNull()) {
+    if (!record->lastCheck.isNull() && !isUnwritable(record->lastCheck)) {
         store->setValue(sSoftUpLastCheckKey, record->lastCheck);
     }
     writeList(*store, sSoftUpSupportedPlatformsKey, record->supportedPlatforms);

@@ -5,7 +5,8 @@
 
 #include <utility>
 
-#include "client/ForgetWhenDestroyed.h"
+#include "base/ForgetWhenDestroyed.h"
+#include "base/KeepForever.h"
 #include "host/GUIBaseUtils/DialogFlags.h"
 
 namespace vx {
@@ -66,7 +67,16 @@ SoftwareUpdateClient::SoftwareUpdateClient(const QString& product, VersionNumber
     }
 }
 
-SoftwareUpdateClient::~SoftwareUpdateClient() = default;
+SoftwareUpdateClient::~SoftwareUpdateClient()
+{
+    // What is on its way ends by itself, unheard.
+    if (networkManager != nullptr) {
+        keepForever(networkManager);
+    }
+    if (unzipManager != nullptr) {
+        keepForever(unzipManager);
+    }
+}
 
 void SoftwareUpdateClient::enableSoftwareUpdate()
 {

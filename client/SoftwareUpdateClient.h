@@ -78,7 +78,7 @@ public:
     ~SoftwareUpdateClient() override;
 
     /**
-     * Clears @p record and fills it from the store. A value that is absent or can't be read gives
+     * Clears @p record and fills it from the store. A value that is absent or can't be read yields
      * the default that the field's description names.
      */
     void getCurrentSettings(SoftwareUpdateSettings* record);
@@ -87,6 +87,10 @@ public:
      * Writes @p record to the store. Writing adds and replaces, and never removes: a field that its
      * description calls "never written" in its present state leaves the stored value as it was. A
      * store that can't be written is not noticed.
+     *
+     * A damaged store may hold times of a time zone that does not exist, on which Qt crashes when
+     * it writes the file. Wherever one stands in the user's own file, also among the application's
+     * keys, a null time replaces it. Values of the system and the organisation are left alone.
      */
     void setCurrentSettings(const SoftwareUpdateSettings* record);
 

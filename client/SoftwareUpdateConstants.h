@@ -9,9 +9,9 @@ namespace vx {
 // Created in this order when the library is loaded, destroyed at exit. A host's own static objects
 // may be created earlier and must not read them.
 
-/** Kind of package that a check gives to the application's own candidates: "Application". */
+/** Kind of package that a check assigns to the application's own candidates: "Application". */
 extern SOFTWAREUPDATECLIENT_EXPORT const QString sSoftUpApplicationUpdateTag;
-/** Kind of package that a check gives to candidates for a camera: "Camera Firmware". */
+/** Kind of package that a check assigns to candidates for a camera: "Camera Firmware". */
 extern SOFTWAREUPDATECLIENT_EXPORT const QString sSoftUpCameraUpdateTag;
 
 // Keys of the settings store, all at its top level.

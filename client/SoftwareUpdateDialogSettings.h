@@ -8,8 +8,8 @@ namespace vx {
 /**
  * What the client and the settings dialog exchange.
  *
- * The client fills a record from its store and gives it to
- * SoftwareUpdateDialog::setDialogSettings(); the dialog gives one back, read from its widgets. A
+ * The client fills a record from its store and passes it to
+ * SoftwareUpdateDialog::setDialogSettings(); the dialog returns one, read from its widgets. A
  * plain value with no link to either.
  */
 struct SoftwareUpdateDialogSettings

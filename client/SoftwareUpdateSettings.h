@@ -64,8 +64,9 @@ struct SOFTWAREUPDATECLIENT_EXPORT SoftwareUpdateSettings
     int updateInterval = 0;
 
     /**
-     * When the latest check left, in local time, whatever became of it. Null before the first one,
-     * and null is never written. Stored as "lastCheck".
+     * When the latest check left, in local time, whatever became of it. Null before the first one.
+     * Null is never written, nor is a time of a time zone that does not exist. Stored as
+     * "lastCheck".
      */
     QDateTime lastCheck;
 

@@ -2,7 +2,7 @@
 
 #include <QDesktopServices>
 
-#include "client/PackageTable.h"
+#include "client/internal/PackageTable.h"
 #include "dialogs/SoftwareUpdateAvailableDialog.h"
 #include "dialogs/SoftwareUpdateDialog.h"
 #include "host/CoreQt/Connect.h"
@@ -46,7 +46,7 @@ QUrl releaseNotes(const PackageInfo& package)
 
 void SoftwareUpdateClient::updateAvailable()
 {
-    if (!updateAvailableDialog) {
+    if (updateAvailableDialog == nullptr) {
         updateAvailableDialog =
             new SoftwareUpdateAvailableDialog(firstOf(updateDialog, parentWidget), windowFlags);
         connectDialog(updateAvailableDialog, this);
@@ -64,7 +64,7 @@ void SoftwareUpdateClient::updateAvailable()
 
 void SoftwareUpdateClient::showHideForeignLanguageItems(bool state)
 {
-    if (updateAvailableDialog) {
+    if (updateAvailableDialog != nullptr) {
         updateAvailableDialog->setHiddenEntries(state ? QList<int>()
                                                       : determineForeignLanguageRows(packageList));
     }
@@ -72,7 +72,7 @@ void SoftwareUpdateClient::showHideForeignLanguageItems(bool state)
 
 void SoftwareUpdateClient::manageUpdateAvailableDialog(SoftUpIndexList indexList)
 {
-    if (!updateAvailableDialog) {
+    if (updateAvailableDialog == nullptr) {
         return;
     }
     updateAvailableDialog->setInstallButtonState(false);
@@ -99,7 +99,7 @@ void SoftwareUpdateClient::downloadReleaseNotes(SoftUpIndexList itemIndexes)
 
 void SoftwareUpdateClient::deleteUpdateAvailableDialog()
 {
-    if (updateAvailableDialog) {
+    if (updateAvailableDialog != nullptr) {
         updateAvailableDialog->setVisible(false);
         updateAvailableDialog->deleteLater();
     }

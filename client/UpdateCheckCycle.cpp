@@ -1,27 +1,45 @@
 #include "client/SoftwareUpdateClient.h"
 
+#include <QNetworkAccessManager>
+#include <QNetworkProxy>
 #include <QNetworkReply>
 #include <QTimer>
 #include <QUrl>
 
-#include "client/AnswerLimit.h"
+#include "base/FailureReason.h"
+#include "base/LogLine.h"
+#include "client/internal/AnswerLimit.h"
+#include "client/internal/AskedAddress.h"
+#include "client/internal/ResponseReading.h"
 #include "dialogs/SoftwareUpdateDialog.h"
-#include "package/LogLine.h"
 
 namespace vx {
 
 namespace {
 
-constexpr int noPackageAtAll = 1;
+constexpr int timeLimit = 15; // seconds, of requestTimer
 
 // Written by two slots and whatever the error was, on purpose: the level 1 line has the true text.
 const char requestFailedLine[] =
     "SoftwareUpdateClient::requestTimeout() -> Timeout occurred requesting update server!";
 
+int statusOf(const QNetworkReply& reply)
+{
+    return reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+}
+
 bool isRedirect(const QNetworkReply& reply)
 {
-    const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    const int status = statusOf(reply);
     return status == 302 || status == 301 || status == 303 || status == 307;
+}
+
+// A catalogue that was too long counts as a broken one. What a failed request has for a body
+// doesn't count.
+bool hasFailed(const QNetworkReply& reply)
+{
+    const bool isCatalogueTooLong = wasTooLong(reply) && statusOf(reply) < 400;
+    return reply.error() != QNetworkReply::NoError && !isCatalogueTooLong;
 }
 
 void logFromEvaluation(int level, const QString& text)
@@ -29,50 +47,53 @@ void logFromEvaluation(int level, const QString& text)
     logLine(level, QStringLiteral("SoftwareUpdateClient::evaluateServerResponse() -> ") + text);
 }
 
-} // namespace
-
-void SoftwareUpdateClient::checkForUpdate()
+QNetworkProxy proxyOf(const QNetworkReply& reply)
 {
-    SoftwareUpdateSettings record;
-    getCurrentSettings(&record);
-    record.lastCheck = QDateTime::currentDateTime();
-    if (updateDialog) {
-        performUpdateCheck(QUrl(updateDialog->getDialogSettings().serverURL));
-    } else if (record.doUpdateCheck) {
-        performUpdateCheck(QUrl(record.serverURL));
-    } else {
-        return;
-    }
-    // Before the outcome is known: a failed check counts, and the next waits for its interval.
-    setCurrentSettings(&record);
+    const QNetworkAccessManager* const manager = reply.manager();
+    return manager != nullptr ? manager->proxy() : QNetworkProxy(QNetworkProxy::NoProxy);
 }
+
+/** Empty if no request runs. */
+QString timeoutReason(const QNetworkAccessManager* manager)
+{
+    const auto* const reply = manager != nullptr ? manager->findChild<QNetworkReply*>() : nullptr;
+    return reply != nullptr ? stallReason(*reply, proxyOf(*reply), reply->bytesAvailable(),
+                                          QStringLiteral("the whole answer"), timeLimit)
+                            : QString();
+}
+
+} // namespace
 
 void SoftwareUpdateClient::evaluateServerResponse(QNetworkReply* reply)
 {
-    if (requestTimer) {
+    if (requestTimer != nullptr) {
         requestTimer->stop();
     }
     // The reply belongs to the manager and stays readable until control is in the event loop again.
     deleteNetworkmanager();
     if (isRedirect(*reply)) {
-        // Without a target the attribute is there all the same and holds an empty URL.
+        // Without a target the attribute is still there and holds an empty URL.
         const QUrl target = reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl();
         if (!target.isEmpty()) {
             logFromEvaluation(1, QStringLiteral("redirect url ") + target.toString());
             performUpdateCheck(target);
+            if (networkManager != nullptr) {
+                passAskedAddressOn(*reply, *networkManager);
+            }
             return;
         }
         logFromEvaluation(3, QStringLiteral("could not obtain redirect url from server response"));
     }
-    if (updateDialog) {
+    if (updateDialog != nullptr) {
         updateDialog->disbaleProgress();
     }
-    if (reply->error() != QNetworkReply::NoError && !wasTooLong(*reply)) {
+    if (hasFailed(*reply)) {
+        logFromEvaluation(3, failureReason(*reply, proxyOf(*reply), reply->bytesAvailable()));
         requestError(reply->errorString());
         logFromEvaluation(1, QStringLiteral("reply->errorString(): ") + reply->errorString());
         return;
     }
-    if (parseServerResponse(reply) == noPackageAtAll) {
+    if (parseServerResponse(reply) == NoPackageRead) {
         return;
     }
     if (packageList.isEmpty()) {
@@ -86,7 +107,7 @@ void SoftwareUpdateClient::evaluateServerResponse(QNetworkReply* reply)
 
 void SoftwareUpdateClient::productUpToDate()
 {
-    if (updateDialog) {
+    if (updateDialog != nullptr) {
         updateDialog->setNotificationText(tr("Congratulations! Your product is up-to-date!"));
     }
     deleteNetworkmanager();
@@ -95,7 +116,7 @@ void SoftwareUpdateClient::productUpToDate()
 
 void SoftwareUpdateClient::requestError(const QString& errorText)
 {
-    if (updateDialog) {
+    if (updateDialog != nullptr) {
         updateDialog->setNotificationText(errorText);
     }
     deleteNetworkmanager();
@@ -104,9 +125,13 @@ void SoftwareUpdateClient::requestError(const QString& errorText)
 
 void SoftwareUpdateClient::requestTimeout()
 {
-    if (updateDialog) {
+    if (updateDialog != nullptr) {
         updateDialog->disbaleProgress();
         updateDialog->setNotificationText(tr("Timeout error! Update server unreachable!"));
+    }
+    const QString reason = timeoutReason(networkManager);
+    if (!reason.isEmpty()) {
+        logLine(3, QStringLiteral("SoftwareUpdateClient::requestTimeout() -> ") + reason);
     }
     deleteNetworkmanager();
     logLine(3, QString::fromLatin1(requestFailedLine));

@@ -6,11 +6,11 @@
 #include <QTimer>
 #include <QUrl>
 
-#include "client/AnswerLimit.h"
+#include "base/FailureReason.h"
+#include "base/LogLine.h"
+#include "client/internal/AnswerLimit.h"
 #include "dialogs/SoftwareUpdateDialog.h"
-#include "host/CoreQt/DeprecatedQt.h"
-#include "host/NodeDB/NodeDB.h"
-#include "package/LogLine.h"
+#include "host/CoreQt/QtVersions.h"
 
 namespace vx {
 
@@ -44,6 +44,8 @@ QNetworkRequest requestFor(const QUrl& url)
     request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("text/xml"));
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                          QNetworkRequest::ManualRedirectPolicy);
+    // Qt 6 would ask for it by default.
+    request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
     return request;
 }
 
@@ -51,40 +53,32 @@ QNetworkRequest requestFor(const QUrl& url)
 
 void SoftwareUpdateClient::performUpdateCheck(const QUrl& url)
 {
-    if (updateDialog) {
+    if (updateDialog != nullptr) {
         // The store still holds the time of the check before this one, which is the one to show.
         SoftwareUpdateSettings record;
         getCurrentSettings(&record);
         showCheckBegins(*updateDialog, record.lastCheck);
     }
     logLine(1, QStringLiteral("SoftwareUpdateClient::performUpdateCheck() -> ") + url.toString());
-    if (!networkManager) {
+    if (networkManager == nullptr) {
         networkManager = newRequestManager(this);
     }
     networkManager->setProxy(networkProxy());
-    stopAboveLargestAnswer(networkManager->get(requestFor(url)));
-    if (!requestTimer) {
+    QNetworkReply* const reply = networkManager->get(requestFor(url));
+    stopAboveLargestAnswer(reply);
+    rememberTlsErrors(reply);
+    if (requestTimer == nullptr) {
         requestTimer = new QTimer(this);
+        requestTimer->setTimerType(Qt::PreciseTimer); // any other may be early by a twentieth
         QObject::connect(requestTimer, SIGNAL(timeout()), this, SLOT(requestTimeout()));
     }
     requestTimer->setSingleShot(true);
     requestTimer->start(requestTimeoutInterval);
 }
 
-QNetworkProxy SoftwareUpdateClient::networkProxy()
-{
-    const NetworkProxy proxy = NodeDB::getDB().globalProxy();
-    if (!proxy.useProxy()) {
-        // Not the default type, which would follow the system's settings.
-        return QNetworkProxy(QNetworkProxy::NoProxy, QString(), 0, QString(), QString());
-    }
-    return QNetworkProxy(QNetworkProxy::HttpProxy, proxy.proxyAddress(), proxy.proxyPort(),
-                         proxy.proxyUser(), proxy.proxyPassword());
-}
-
 void SoftwareUpdateClient::deleteNetworkmanager()
 {
-    if (!networkManager) {
+    if (networkManager == nullptr) {
         return;
     }
     // Another reply of this manager may be in the event queue already; it must not end the next

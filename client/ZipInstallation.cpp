@@ -6,20 +6,15 @@
 
 #include <QPointer>
 
-#include "client/MessageBoxes.h"
+#include "base/KeepForever.h"
+#include "base/LogLine.h"
 #include "client/SoftwareUpdateConstants.h"
+#include "client/internal/MessageBoxes.h"
 #include "download/DownloadManager.h"
-#include "package/LogLine.h"
 
 namespace vx {
 
 namespace {
-
-// Never deleted, and nobody listens: the update helper finds the unpacked files by itself.
-DownloadManager* newUnheardManager()
-{
-    return new DownloadManager;
-}
 
 int askForRestart(QWidget* parent, Qt::WindowFlags flags)
 {
@@ -69,7 +64,8 @@ void handOverTo(const QString& target, const QFile& source, const QString& unzip
 
 void SoftwareUpdateClient::installZIPPackage()
 {
-    newUnheardManager()->unzipPackage(downloadFilePath);
+    // Nobody listens: the update helper finds the unpacked files by itself.
+    keepForever(new DownloadManager)->unzipPackage(downloadFilePath);
     logLine(1, QStringLiteral("SoftwareUpdateClient::installZipPackage() -> unzipping ") +
                    downloadFilePath + QStringLiteral(" to ") + unzipTargetPath);
     const QPointer<SoftwareUpdateClient> self(this);

@@ -19,7 +19,7 @@ function(vx_add_test name)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   set_target_properties(${name} PROPERTIES AUTOMOC ON)
-  target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} VxTestSupport Qt5::Test VxStrictness)
+  target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} VxTestSupport ${VX_QT}::Test VxStrictness)
   target_precompile_headers(${name} REUSE_FROM VxTestSupport)
   # A test's own moc output is part of its source, so that this file is mostly empty.
   set_source_files_properties(
@@ -27,4 +27,15 @@ function(vx_add_test name)
     PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
   add_test(NAME ${name} COMMAND ${name})
   vx_set_test_surroundings(${name})
+endfunction()
+
+# vx_host_compile_flags(<variable> <folder>...)
+#
+# What a host's compiler is given to find the headers in these folders, and those of Qt.
+function(vx_host_compile_flags variable)
+  set(folders ${ARGN})
+  foreach(module Widgets Network Gui Xml Core ${VX_QT_EXTRA_COMPONENTS})
+    list(APPEND folders "$<TARGET_PROPERTY:${VX_QT}::${module},INTERFACE_INCLUDE_DIRECTORIES>")
+  endforeach()
+  set(${variable} "-I$<JOIN:$<REMOVE_DUPLICATES:${folders}>, -I>" PARENT_SCOPE)
 endfunction()

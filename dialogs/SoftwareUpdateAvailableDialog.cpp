@@ -4,20 +4,15 @@
 
 #include <QSet>
 
-#include "dialogs/SignalArgumentType.h"
+#include "base/KeepForever.h"
+#include "base/LogLine.h"
+#include "base/SignalArgumentType.h"
 #include "host/CoreQt/Connect.h"
-#include "package/LogLine.h"
 #include "ui_SoftwareUpdateAvailableGui.h"
 
 namespace vx {
 
 namespace {
-
-// A function of its own, so that the leak checker can tell this one lasting object by name.
-Ui_SoftwareUpdateAvailableGui* newLastingForm()
-{
-    return new Ui_SoftwareUpdateAvailableGui();
-}
 
 // Without this the Tab key never leaves the table, and the link can be followed by mouse only.
 void makeReachableByKeyboard(Ui_SoftwareUpdateAvailableGui& form)
@@ -58,7 +53,7 @@ void fillTable(QTableWidget& table, const QList<QStringList>& entries)
     for (int row = 0; row < entries.size(); ++row) {
         const QStringList& texts = entries.at(row);
         const int cellsLeft = cells - row * table.columnCount();
-        for (int column = 0; column < std::min(cellsLeft, texts.size()); ++column) {
+        for (int column = 0; column < std::min(cellsLeft, int(texts.size())); ++column) {
             table.setItem(row, column, new QTableWidgetItem(texts.at(column)));
         }
     }
@@ -76,7 +71,7 @@ void layOutColumns(QTableWidget& table)
 
 SoftwareUpdateAvailableDialog::SoftwareUpdateAvailableDialog(QWidget* parent, Qt::WindowFlags flags)
     : QDialog(parent, flags)
-    , m_form(newLastingForm())
+    , m_form(keepForever(new Ui_SoftwareUpdateAvailableGui))
 {
     m_form->setupUi(this);
     makeReachableByKeyboard(*m_form);
@@ -127,8 +122,8 @@ void SoftwareUpdateAvailableDialog::setTableEntries(QList<QStringList> const& en
                     "SoftwareUpdateAvailableDialog::setTableEntries() -> no table entries set!"));
         return;
     }
-    table.setRowCount(entries.size());
-    table.setColumnCount(entries.first().size());
+    table.setRowCount(int(entries.size()));
+    table.setColumnCount(int(entries.first().size()));
     table.verticalHeader()->hide();
     table.setSortingEnabled(false);
     fillTable(table, entries);
@@ -145,7 +140,7 @@ void SoftwareUpdateAvailableDialog::setHiddenEntries(QList<int> rows)
     }
 }
 
-void SoftwareUpdateAvailableDialog::setCommentText(QString const& text)
+void SoftwareUpdateAvailableDialog::setCommentText(const QString& text)
 {
     if (text.isEmpty()) {
         m_form->commentText->hide();

@@ -63,7 +63,7 @@ public:
      * Shows @p text, as HTML if it looks like that, below the table. An empty text hides the widget
      * and leaves the old text in it.
      */
-    void setCommentText(QString const& text);
+    void setCommentText(const QString& text);
 
     /** Whether "Show all languages" is checked. */
     bool getShowAllLanguagesState();

@@ -2,7 +2,7 @@
 
 #include <QApplication>
 
-#include "dialogs/SignalArgumentType.h"
+#include "base/SignalArgumentType.h"
 #include "host/CoreQt/Connect.h"
 #include "ui_SoftwareUpdateDialogGui.h"
 
@@ -85,7 +85,7 @@ SoftwareUpdateDialogSettings SoftwareUpdateDialog::getDialogSettings()
     return settings;
 }
 
-void SoftwareUpdateDialog::setNotificationText(QString const& text)
+void SoftwareUpdateDialog::setNotificationText(const QString& text)
 {
     m_form->updateNotificationLabel->setText(text);
 }

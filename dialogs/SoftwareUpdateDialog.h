@@ -13,7 +13,7 @@ namespace vx {
 /**
  * The settings dialog: the current version, the last check, a check by hand and the schedule.
  *
- * A view only. It shows a record, gives one back on request and reports the user's actions by
+ * A view only. It shows a record, returns one on request and reports the user's actions by
  * signals; it reads and writes no store and starts no check. GUI thread only.
  *
  * The beta check box and the server address are meant for support staff: they are visible only if a
@@ -50,7 +50,7 @@ public:
     SoftwareUpdateDialogSettings getDialogSettings();
 
     /** Shows the outcome of a check. Rich text is recognised; an empty text clears the message. */
-    void setNotificationText(QString const& text);
+    void setNotificationText(const QString& text);
 
 signals:
     /** The user pressed "Check Now". */

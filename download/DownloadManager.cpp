@@ -1,6 +1,7 @@
 #include "download/DownloadManager.h"
 
-#include "download/RequestRecord.h"
+#include "base/SignalArgumentType.h"
+#include "download/internal/RequestRecord.h"
 #include "host/CoreQt/Connect.h"
 
 namespace vx {
@@ -22,7 +23,25 @@ void passOnSignals(HttpClient& client, DownloadManager& manager)
             SIGNAL(downloadProgress(int, int)), Qt::AutoConnection);
 }
 
+// Signals name the types without their namespace, and a queued connection looks them up like that.
+template <typename Type>
+int registerUnderBothNames(const char* qualifiedName, const char* name)
+{
+    const int id = qRegisterMetaType<Type>(qualifiedName);
+    registerSignalArgument<Type>(name);
+    return id;
+}
+
 } // namespace
+
+// A name reserved for examples, so that an application that sets no server asks nobody's.
+const QString DownloadManager::UPDATE_URL = QStringLiteral("http://update.example.com");
+
+// Filled while the library is loaded, before anything can be queued.
+const int DownloadManager::qMetaTypes[2] = {
+    registerUnderBothNames<PackageInfo>("vx::PackageInfo", "PackageInfo"),
+    registerUnderBothNames<PackageInfoList>("vx::PackageInfoList", "PackageInfoList"),
+};
 
 DownloadManager::DownloadManager(const HttpHost& host, const QString& path)
     : httpClient(host)

@@ -33,7 +33,10 @@ class Unzipper;
  * runs. The static operations keep no state and may be called anywhere.
  *
  * The object stores nothing by itself (see storeHistory()). It may be destroyed at any time, also
- * by a slot that it tells of an end; what is running then ends unheard, without downloadAborted().
+ * by a slot of any of its signals; what is running then ends unheard, without downloadAborted().
+ *
+ * It stays outside of UpdateTrust: its queries, downloads and launching operations verify no
+ * signature and no digest, also where a host requires them of the client.
  */
 class SOFTWAREUPDATECLIENT_EXPORT DownloadManager : public QObject
 {
@@ -55,13 +58,13 @@ public:
 protected:
     /** Performs all requests, one after the other set to the host of each. */
     HttpClient httpClient;
-    /** The update server and its proxy; what server() gives. */
+    /** The update server and its proxy; what server() returns. */
     HttpHost serverHost;
     /** URL path of the server. Kept up to date and read by nothing: queries have an empty path. */
     QString serverPath;
     /** When the last answer to a query arrived; null until then. */
     QDateTime lastCheck;
-    /** What isRegularCheck() gives. */
+    /** What isRegularCheck() returns. */
     bool regularCheck = false;
     /** The raw text of the last answer, or of the file that loadHistory() read. */
     QByteArray lastCatalogue;
@@ -105,7 +108,7 @@ public:
      * Sets the proxy and remembers it in HttpAccessHistory::proxies, unless @p preference is 0 or
      * the address is empty.
      *
-     * @param address host and port; the port is 80 if there is none.
+     * @param address host and port; the port is 80 if no port is given.
      */
     void setProxy(HttpHost::ProxyPreference preference, const QString& address);
 
@@ -205,7 +208,7 @@ public slots:
     bool isQueryBusy() const;
     /** The flag that setRegularCheck() keeps. Nothing here acts on it. */
     bool isRegularCheck() const;
-    /** Stores the flag and gives the previous one. */
+    /** Stores the flag and returns the previous one. */
     bool setRegularCheck(bool value);
     /**
      * Fetches @p pack into @p fileName, from port 80 of the host of its URL.
@@ -245,7 +248,11 @@ public slots:
 protected slots:
     /** Takes the answer to a query: delivers it, keeps its text and raises queryFinished(). */
     void queryResult(RequestPtr resp);
-    /** Parses @p input, marks what is known, and delivers the packages to callback and signals. */
+    /**
+     * Parses @p input, marks what is known, and delivers the packages to callback and signals.
+     *
+     * @param data the query's filter and callback; null for neither. It stays the caller's.
+     */
     void queryResult(QIODevice* input, RequestData* data);
     /** Raises downloadStarted() if @p resp is a package download. */
     void downloadStarting(RequestPtr resp);
@@ -255,7 +262,12 @@ protected slots:
     void releaseNotesResult(RequestPtr resp);
     /** Unpacks @p installerFile over a folder that the user picks. @throws IOException. */
     void runZipInstaller(const QString& installerFile);
-    /** The main program below @p dir as a relative path; empty if there is none. */
+    /**
+     * The main program below @p dir as a relative path; empty if there is none.
+     *
+     * The largest executable file of a folder, or else that of its first folder which has any.
+     * Hidden ones count; links to folders are followed, but not out of @p dir.
+     */
     QString findDefaultExecutable(const QDir& dir);
     /**
      * Reads the packages of the set @p elm, then those of its nested sets, each in document order.
@@ -356,7 +368,7 @@ public:
      * The package type in the URL @p name: what follows its last dot, except for "mpkg" of
      * ".mpkg.zip", "tar.gz" and "tar.bz2". Case matters, and a query is not cut off.
      *
-     * A result shorter than 3 or longer than 7 characters is logged and given all the same.
+     * A result shorter than 3 or longer than 7 characters is logged, and returned nevertheless.
      */
     static QString parsePackageSuffix(const QString& name);
 

@@ -17,7 +17,7 @@ void DownloadManager::startUpdate(const QString& updateApplicationPath,
             newFolder.constData(), "-exe", program.constData(), static_cast<char*>(nullptr));
 }
 
-// The suffix counts as it stands: "ZIP" is none, and no dot is needed before it.
+// The suffix counts as it stands: "ZIP" is not one of them, and no dot is needed before it.
 void DownloadManager::runInstaller(const QString& installerFile)
 {
     if (installerFile.endsWith(QLatin1String("zip"))) {

@@ -1,8 +1,9 @@
 #include <QPointer>
 
-#include "download/DownloadFile.h"
+#include "base/LogLine.h"
 #include "download/DownloadManager.h"
-#include "download/RequestRecord.h"
+#include "download/internal/DownloadFile.h"
+#include "download/internal/RequestRecord.h"
 
 namespace vx {
 
@@ -15,16 +16,33 @@ HttpHost downloadHost(HttpHost host, const QUrl& url)
     return host;
 }
 
-// Queries and packages of unknown size are no downloads for the slots below.
+QFile* downloadFile(const ::RequestData& request)
+{
+    return qobject_cast<QFile*>(request.responseDevice);
+}
+
+// Packages of unknown size are not downloads for the slots below, nor are queries, whose filter may
+// be a package of known size.
 DownloadManager::RequestData* downloadRecord(const ::RequestData& request)
 {
     DownloadManager::RequestData* record = requestRecord(request);
-    return record != nullptr && record->fileSize != 0 ? record : nullptr;
+    const bool isDownload =
+        record != nullptr && record->fileSize != 0 && downloadFile(request) != nullptr;
+    return isDownload ? record : nullptr;
 }
 
-QFile& downloadFile(const ::RequestData& request)
+// A transfer that went wrong has been logged by the client; here only one that went well.
+void logShortFile(const ::RequestData& request, quint64 size, quint64 expected)
 {
-    return *static_cast<QFile*>(request.responseDevice);
+    const QString announced = request.responseHeader.value(QStringLiteral("content-length"));
+    const bool isWhole = announced.isEmpty() || announced.toULongLong() == size;
+    if (request.statusCode >= 200 && request.statusCode < 300 && isWhole) {
+        logLine(3, QStringLiteral("DownloadManager::downloadResult() -> the server's file has %1 "
+                                  "bytes, of %2 in the catalogue; correct the size there, or the "
+                                  "file on the server")
+                       .arg(size)
+                       .arg(expected));
+    }
 }
 
 } // namespace
@@ -50,7 +68,7 @@ void DownloadManager::downloadStarting(RequestPtr resp)
     }
     // Copies: a slot may abort the download, which frees record and file.
     const PackageInfo pack = *record;
-    const QString fileName = downloadFile(*resp).fileName();
+    const QString fileName = downloadFile(*resp)->fileName();
     emit downloadStarted(pack, fileName);
 }
 
@@ -61,10 +79,12 @@ void DownloadManager::downloadResult(RequestPtr resp)
     if (record == nullptr) {
         return;
     }
-    QFile& file = downloadFile(*resp);
+    QFile& file = *downloadFile(*resp);
     const QString fileName = file.fileName();
     const QPointer<DownloadManager> self(this); // a slot may delete the engine at the first signal
-    if (closeAndMeasure(file) < record->fileSize) {
+    const quint64 size = closeAndMeasure(file);
+    if (size < record->fileSize) {
+        logShortFile(*resp, size, record->fileSize);
         emit downloadFailure(*record, fileName);
         if (self) {
             emit downloadFailure(resp->statusCode);

@@ -2,7 +2,7 @@
 #include <QPointer>
 
 #include "download/DownloadManager.h"
-#include "download/RequestRecord.h"
+#include "download/internal/RequestRecord.h"
 #include "host/CoreQt/InvokeQueued.h"
 #include "host/NetworkHttp/HttpAccessHistory.h"
 
@@ -34,8 +34,8 @@ PackageInfo filterOf(const QString& types, const QString& names, const QString& 
     return filter;
 }
 
-// A window that asked may be closed before the answer comes. The buffer ends the connection: it
-// lives exactly as long as the request.
+// A window that asked may be closed before the answer comes. The response buffer is the context of
+// the connection, because it is destroyed with the request.
 void forgetReceiverWhenDestroyed(QObject* receiver, ::RequestData& request)
 {
     if (receiver == nullptr) {
@@ -108,7 +108,12 @@ void DownloadManager::queryUpdate(const PackageInfo& filter, QObject* callbackRe
     request->userData = record;
     forgetReceiverWhenDestroyed(callbackReceiver, *request);
 
+    const QPointer<DownloadManager> self(this); // a slot may delete the engine
     emit queryStarted(serverHost.server);
+    if (!self) {
+        releaseRequest(request);
+        return;
+    }
     httpClient.execute(request);
 }
 
@@ -148,12 +153,12 @@ void DownloadManager::queryResult(QIODevice* input, RequestData* data)
     markKnown(packages, updateHistory);
 
     // Goes no further: a query delivers the whole catalogue, whatever its filter says.
-    PackageInfoList best = findBestMatches(packages, *data);
+    PackageInfoList best = findBestMatches(packages, data != nullptr ? *data : PackageInfo());
     for (PackageInfo& package : best) {
         package.flags.superseded = false;
     }
 
-    if (data->callbackSlot != nullptr) {
+    if (data != nullptr && data->callbackSlot != nullptr) {
         invokeQueued(data->callbackReceiver, data->callbackSlot,
                      Q_ARG(vx::PackageInfoList, packages));
     }

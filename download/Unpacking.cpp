@@ -2,13 +2,25 @@
 #include <QDir>
 #include <QMessageBox>
 
+#include "base/KeepForever.h"
+#include "base/LogLine.h"
 #include "download/DownloadManager.h"
 #include "host/CoreQt/Connect.h"
 #include "host/FileFormatsZip/Unzipper.h"
 #include "host/IO/FileUtils.h"
-#include "package/LogLine.h"
 
 namespace vx {
+
+namespace {
+
+/** @p text as it stands, for a label that shows markup. */
+QString escaped(QString text)
+{
+    text.replace(QLatin1Char('&'), QLatin1String("&amp;"));
+    return text.replace(QLatin1Char('<'), QLatin1String("&lt;"));
+}
+
+} // namespace
 
 void DownloadManager::unzipPackage(const QString& packageFile)
 {
@@ -25,14 +37,14 @@ void DownloadManager::unzipPackage(const QString& packageFile)
         return; // one object unpacks once in its life
     }
     // The job starts from the event loop, after these connections and those of the caller.
-    unzipper = new Unzipper(packageFile, folder, false);
+    unzipper = keepForever(new Unzipper(packageFile, folder, false));
     vx::connect(unzipper, SIGNAL(unzippingDone(const QString&)), this,
                 SLOT(unzippingFinished(const QString&)), Qt::AutoConnection);
     vx::connect(unzipper, SIGNAL(unzippingFailed(const QString&)), this,
                 SLOT(unzippingFailed(const QString&)), Qt::AutoConnection);
 }
 
-// The job is neither deleted nor forgotten, so that a later unzipPackage() starts no second one.
+// The job is not forgotten either, so that a later unzipPackage() starts no second one.
 void DownloadManager::unzippingFinished(const QString& path)
 {
     if (unzipper != nullptr) {
@@ -43,7 +55,7 @@ void DownloadManager::unzippingFinished(const QString& path)
 
 void DownloadManager::unzippingFailed(const QString& reason)
 {
-    const QString text = tr("Downloaded file could not be unpacked:<br>") + reason;
+    const QString text = tr("Downloaded file could not be unpacked:<br>") + escaped(reason);
     QMessageBox::critical(nullptr, QCoreApplication::applicationName(), text, QMessageBox::Ok);
 }
 

@@ -59,7 +59,7 @@ void writeHistory(QSettings& settings, const QHash<QString, QDateTime>& history)
 {
     // A longer array from before would keep its last entries.
     settings.remove(historyKey);
-    settings.beginWriteArray(historyKey, history.size());
+    settings.beginWriteArray(historyKey, int(history.size()));
     int index = 0;
     for (auto item = history.cbegin(); item != history.cend(); ++item) {
         settings.setArrayIndex(index++);

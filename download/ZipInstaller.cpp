@@ -37,6 +37,15 @@ bool unpackAll(const QString& installerFile, const QString& folder)
     return !reader.wasCanceled();
 }
 
+// It may name files of the archive, which may be named like markup.
+void showUnpackingFailed(const QString& message)
+{
+    QMessageBox box(QMessageBox::Critical, QStringLiteral("Unpacking failed"), message,
+                    QMessageBox::Ok);
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
+}
+
 /** @param folder becomes the folder with what was unpacked. */
 bool unpackOrTell(const QString& installerFile, QString& folder)
 {
@@ -44,8 +53,7 @@ bool unpackOrTell(const QString& installerFile, QString& folder)
         folder = FileUtils::createTempDir();
         return unpackAll(installerFile, folder);
     } catch (const IOException& failure) {
-        QMessageBox::critical(nullptr, QStringLiteral("Unpacking failed"), failure.message(),
-                              QMessageBox::Ok);
+        showUnpackingFailed(failure.message());
         throw IOException(failure);
     }
 }
@@ -53,7 +61,7 @@ bool unpackOrTell(const QString& installerFile, QString& folder)
 /**
  * Replaces this process with the step that copies the files and starts the program.
  *
- * The arguments stand exactly so, and three things must not be mended: there is no "-c", so that
+ * The arguments stand exactly so, and three things must not be corrected: there is no "-c", so that
  * "cp" is the name of a script and "&&" an argument of it; "sh" has no folder, and execl() does not
  * search PATH; and the install path is handed over in UTF-16, of which a reader of bytes sees no
  * more than the first character.

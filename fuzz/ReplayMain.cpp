@@ -1,6 +1,6 @@
-// Stands in for libFuzzer where the tests run, which may have another compiler: gives a fuzz target
-// every seed as it is, and then a fixed number of seeds that are changed a little, the same ones
-// each time. An input that fails is on its standard error as hexadecimal digits.
+// Stands in for libFuzzer where the tests run, which may have another compiler: passes a fuzz
+// target every seed as it is, and then a fixed number of seeds that are changed a little, the same
+// ones each time. An input that fails is on its standard error as hexadecimal digits.
 //
 // Usage: PROGRAM NUMBER FOLDER      with the number of changed seeds and the folder of the seeds
 #include <algorithm>
@@ -64,7 +64,7 @@ Bytes contentOf(const std::filesystem::path& path)
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-/** In the order of their names: a folder gives its files in any order. */
+/** In the order of their names: a folder lists its files in any order. */
 std::vector<Bytes> seedsIn(const char* folder)
 {
     std::vector<std::filesystem::path> paths;

@@ -1,4 +1,4 @@
-// Reads the input as a catalogue and selects from it. What a small document gives must be what the
+// Reads the input as a catalogue and selects from it. What a small document yields must be what the
 // plain climb of the tests finds in it, and selection must keep what it promises.
 
 #include <QBuffer>
@@ -9,7 +9,7 @@
 
 #include "download/DownloadManager.h"
 #include "host/Core/Log.h"
-#include "tests/download/PlainClimb.h"
+#include "tests/support/PlainClimb.h"
 
 using namespace vx;
 

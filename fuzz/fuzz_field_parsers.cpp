@@ -1,4 +1,4 @@
-// Gives the input, as UTF-8 and as UTF-16, to the parsers of single fields.
+// Passes the input, as UTF-8 and as UTF-16, to the parsers of single fields.
 
 #include <QCoreApplication>
 

@@ -2,13 +2,13 @@
 
 #include <QDateTime>
 #include <QList>
-#include <QMap>
 #include <QMetaType>
 #include <QString>
 #include <QStringList>
 #include <QUrl>
 
 #include "SoftwareUpdateClientExport.h"
+#include "host/CoreQt/QtVersions.h"
 #include "host/CoreQt/StringUtils.h"
 
 namespace vx {
@@ -19,10 +19,10 @@ class PackageInfo;
 using PackageInfoList = QList<PackageInfo>;
 
 /**
- * URLs by language. A language may hold several, filled with multi-inserts; a lookup gives the one
- * that was inserted last.
+ * URLs by language. A language may hold several, filled with multi-inserts; a lookup returns the
+ * one that was inserted last.
  */
-using UrlMap = QMap<QString, QUrl>;
+using UrlMap = MultiValueMap<QString, QUrl>;
 
 /** The first test of PackageInfo::filterPackageCandidate that a package did not pass. */
 enum class CandidateRefusal {
@@ -39,8 +39,8 @@ enum class CandidateRefusal {
  *
  * A plain value with public fields. In a filter an empty string, a null time or an empty set means
  * that the field is not tested; whether a string is null or only empty makes no difference
- * anywhere. Nothing here fails or reports anything: absent data gives empty strings, a null time or
- * 0.
+ * anywhere. Nothing here fails or reports anything: absent data yields empty strings, a null time
+ * or 0.
  *
  * Records own nothing by pointer and take no locks. They cross threads by copy; both this type and
  * PackageInfoList are registered meta-types, "vx::PackageInfo" and "vx::PackageInfoList", from the
@@ -66,19 +66,17 @@ public:
      * @param name becomes publicName, too.
      * @param release becomes publicRelease, too. Nothing keeps either pair equal afterwards.
      */
-    explicit PackageInfo(const QString& type = QString(), const QString& name = QString(),
-                         const QString& release = QString(), const QString& status = QString(),
-                         const QDateTime& date = QDateTime(),
-                         const QStringSet& platforms = QStringSet(),
-                         const QStringSet& languages = QStringSet(),
-                         const QString& packageType = QString(),
-                         const QString& comment = QString());
+    PackageInfo(const QString& type = QString(), const QString& name = QString(),
+                const QString& release = QString(), const QString& status = QString(),
+                const QDateTime& date = QDateTime(), const QStringSet& platforms = QStringSet(),
+                const QStringSet& languages = QStringSet(), const QString& packageType = QString(),
+                const QString& comment = QString());
 
     /** Kind of package, such as "Application" or "Camera Firmware". */
     QString type;
     /** Internal name, compared exactly. */
     QString name;
-    /** Name for users; empty when the catalogue gives none. */
+    /** Name for users; empty when the catalogue has none. */
     QString publicName;
     /** Platform words, for firmware the names of cameras. */
     QStringSet platforms;
@@ -86,11 +84,11 @@ public:
     QUrl url;
     /** Internal release, which VersionNumber reads. */
     QString release;
-    /** Release for users; empty when the catalogue gives none. */
+    /** Release for users; empty when the catalogue has none. */
     QString publicRelease;
     /** Status word, such as "STABLE" or "BETA". */
     QString status;
-    /** Time of the release, in local time; midnight when the catalogue gives a date alone. */
+    /** Time of the release, in local time; midnight when the catalogue has a date alone. */
     QDateTime date;
     /** Size of the package file in bytes, 0 when unknown. */
     quintptr fileSize = 0;
@@ -219,7 +217,7 @@ public:
     /** Every platform word in @p list once, in no particular order. @p translated is ignored. */
     static QStringList allPlatforms(const PackageInfoList& list, bool translated);
 
-    /** Every release in @p list once, as allTypes() gives the types. */
+    /** Every release in @p list once, as allTypes() returns the types. */
     static QStringList allReleases(const PackageInfoList& list, bool translated);
 };
 

@@ -1,5 +1,5 @@
-#include "package/CandidateMatcher.h"
 #include "package/PackageInfo.h"
+#include "package/internal/CandidateMatcher.h"
 
 namespace vx {
 

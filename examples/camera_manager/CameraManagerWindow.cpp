@@ -13,7 +13,8 @@ namespace {
 QTableWidget* createCameraTable(const vx::SoftUpCurrentCameraVersions& cameras)
 {
     auto* table = new QTableWidget(cameras.size(), 2);
-    table->setHorizontalHeaderLabels({"Camera", "Firmware"});
+    table->setHorizontalHeaderLabels(
+        {CameraManagerWindow::tr("Camera"), CameraManagerWindow::tr("Firmware")});
     table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     table->verticalHeader()->hide();
     table->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -40,16 +41,16 @@ CameraManagerWindow::CameraManagerWindow(const QString& version,
     layout->addWidget(heading);
     layout->addWidget(createCameraTable(cameras));
     setCentralWidget(content);
-    showMessage("Help > Check for Updates... looks for something newer.");
+    showMessage(tr("Help > Check for Updates... looks for something newer."));
     resize(440, 260);
 }
 
 void CameraManagerWindow::addMenus()
 {
-    QMenu* file = menuBar()->addMenu("&File");
-    connect(file->addAction("&Quit"), SIGNAL(triggered()), SLOT(close()));
-    QMenu* help = menuBar()->addMenu("&Help");
-    QAction* check = help->addAction("Check for &Updates...");
+    QMenu* file = menuBar()->addMenu(tr("&File"));
+    connect(file->addAction(tr("&Quit")), SIGNAL(triggered()), SLOT(close()));
+    QMenu* help = menuBar()->addMenu(tr("&Help"));
+    QAction* check = help->addAction(tr("Check for &Updates..."));
     check->setObjectName("checkForUpdatesAction");
     connect(check, SIGNAL(triggered()), SIGNAL(checkForUpdates()));
 }

@@ -17,5 +17,5 @@ void DesktopStandIn::open(const QUrl& url)
 {
     const QString path = url.toLocalFile();
     m_paths.append(path);
-    emit opened(QStringLiteral("The desktop would open %1").arg(QFileInfo(path).fileName()));
+    emit opened(tr("The desktop would open %1").arg(QFileInfo(path).fileName()));
 }

@@ -1,13 +1,14 @@
 #include "examples/camera_manager/EmbeddedServer.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
 #include <QUrl>
 
 #include "host/NodeDB/NodeDB.h"
 #include "tools/server/Scenario.h"
+#include "tools/signing/PackageFiles.h"
 
 namespace {
 
@@ -15,14 +16,6 @@ QByteArray readFile(const QString& name)
 {
     QFile file(name);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-/** Archives differ by some bytes from machine to machine, and the announced size must be exact. */
-void fillInSize(QString& catalogue, const QFileInfo& package)
-{
-    const QString name = QRegularExpression::escape(package.fileName());
-    const QRegularExpression size("(<url>" + name + "</url>\\s*<file-size>)\\d+");
-    catalogue.replace(size, QString("\\1%1").arg(package.size()));
 }
 
 } // namespace
@@ -61,10 +54,9 @@ bool EmbeddedServer::writeCatalogue()
 {
     QString text = QString::fromUtf8(readFile(":/camera_manager/catalogue.xml"));
     text.replace("http://updates.example.com", m_server.url(QString()).toString());
-    for (const QFileInfo& package : QDir(m_folder.path()).entryInfoList(QDir::Files)) {
-        fillInSize(text, package);
-    }
-    const QByteArray catalogue = text.toUtf8();
+    // Archives differ by some bytes from machine to machine, and what is announced must be exact.
+    const QByteArray filledIn = vx::writeFactsOfFolder(text.toUtf8(), m_folder.path());
+    const QByteArray catalogue = m_key.sealed(filledIn, QDateTime::currentSecsSinceEpoch());
     QFile file(m_folder.filePath("catalogue.xml"));
     return file.open(QIODevice::WriteOnly) && file.write(catalogue) == catalogue.size() &&
            QFile::copy(":/camera_manager/release-notes.html",
@@ -85,5 +77,5 @@ void EmbeddedServer::becomeProxy() const
 
 void EmbeddedServer::play(const QString& scenario)
 {
-    vx::applyScenario(m_server, scenario, m_folder.path());
+    vx::applyScenario(m_server, scenario, m_folder.path(), m_key);
 }

@@ -6,6 +6,7 @@
 #include <QTextStream>
 
 #include "examples/camera_manager/TourWidgets.h"
+#include "host/CoreQt/QtVersions.h"
 
 namespace {
 
@@ -15,7 +16,7 @@ constexpr int patienceMs = 20000;
 void print(const QString& line)
 {
     QTextStream out(stdout);
-    out.setCodec("UTF-8");
+    vx::useUtf8(out);
     out << line << '\n';
 }
 

@@ -19,7 +19,7 @@ public:
     /** Saves a picture of the widget that is seen, under @p name with the step's number. */
     TourStep& picture(const QString& name);
 
-    /** Adds what @p text gives to the report. */
+    /** Adds what @p text returns to the report. */
     TourStep& details(const std::function<QString()>& text);
 
     /** What the user does next. A click that opens a message box does not return before the box is
@@ -54,7 +54,7 @@ public:
      * Adds a step.
      *
      * @param what what the user sees, for the report.
-     * @param seen gives the widget that shows it, or null while it is not there.
+     * @param seen returns the widget that shows it, or null while it is not there.
      */
     TourStep& expect(const QString& what, const std::function<QWidget*()>& seen);
 

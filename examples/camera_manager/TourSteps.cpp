@@ -7,20 +7,25 @@
 #include <QMessageBox>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QStatusBar>
 #include <QTableWidget>
 #include <QTextBrowser>
+
+#include <memory>
 
 #include "examples/camera_manager/CameraManagerWindow.h"
 #include "examples/camera_manager/DesktopStandIn.h"
 #include "examples/camera_manager/EmbeddedServer.h"
 #include "examples/camera_manager/Tour.h"
 #include "examples/camera_manager/TourWidgets.h"
+#include "trust/UpdateTrust.h"
 
 namespace {
 
 /** Of the comment, in pixels; less means that it is about to get its place. */
 constexpr int comfortableHeight = 60;
 
+/** A new dialog takes no more than two thirds of the screen, which scaling makes small. */
 constexpr QSize roomyDialog(620, 520);
 
 struct Stage
@@ -125,6 +130,7 @@ void addSettingsSteps(Tour& tour, const Stage& stage)
     tour.expect("The application shows its version and its cameras",
                 [stage] { return stage.window.isVisible() ? &stage.window : nullptr; })
         .picture("window")
+        .details([stage] { return stage.window.statusBar()->currentMessage(); })
         .then([stage] { stage.window.findChild<QAction*>("checkForUpdatesAction")->trigger(); });
     tour.expect("Check for Updates... opens the settings dialog", settingsDialog)
         .picture("settings")
@@ -180,7 +186,10 @@ void addInstallationSteps(Tour& tour, const Stage& stage)
 void addFailureSteps(Tour& tour)
 {
     tour.expect("Another check, with a server that breaks downloads off", dialogWithOwnRows)
-        .then([] { clickRow(packageTable(), 0); });
+        .then([] {
+            updateAvailableDialog()->resize(roomyDialog);
+            clickRow(packageTable(), 0);
+        });
     tour.expect("The application is selected again",
                 [] { return dialogWithComment("CameraManager 5.3"); })
         .then(pressInstall);
@@ -191,6 +200,68 @@ void addFailureSteps(Tour& tour)
         .picture("broken-download")
         .details([] { return messageBox()->text(); })
         .then(acceptMessageBox);
+}
+
+/** The way from the list of packages to a download; each call goes on as soon as it can. */
+class Installing
+{
+public:
+    void proceed()
+    {
+        if (m_next == Row && dialogWithOwnRows() != nullptr) {
+            updateAvailableDialog()->resize(roomyDialog);
+            clickRow(packageTable(), 0);
+            m_next = Button;
+        } else if (m_next == Button && dialogWithComment("CameraManager 5.3") != nullptr) {
+            pressInstall();
+            m_next = Agreement;
+        } else if (m_next == Agreement && messageBoxTitled("Install Package") != nullptr) {
+            acceptMessageBox();
+            m_next = Nothing;
+        }
+    }
+
+    bool isUnderWay() const { return m_next == Nothing; }
+
+private:
+    enum Next { Row, Button, Agreement, Nothing };
+    Next m_next = Row;
+};
+
+/** What @p seen gives once an installation is under way, which this sees to. */
+std::function<QWidget*()> afterInstalling(const std::function<QWidget*()>& seen)
+{
+    const auto installing = std::make_shared<Installing>();
+    return [installing, seen]() -> QWidget* {
+        if (installing->isUnderWay()) {
+            return seen();
+        }
+        installing->proceed();
+        return nullptr;
+    };
+}
+
+QWidget* criticalBox()
+{
+    QMessageBox* box = messageBox();
+    return box != nullptr && box->icon() == QMessageBox::Critical ? box : nullptr;
+}
+
+void addSignatureSteps(Tour& tour, const Stage& stage)
+{
+    tour.expect("Signatures are required: a forged package is refused",
+                afterInstalling(criticalBox))
+        .picture("forged-package")
+        .details([] { return messageBox()->text(); })
+        .then([stage] {
+            stage.server.play("signed");
+            acceptMessageBox();
+        });
+    tour.expect("The package that its publisher sealed is installed",
+                afterInstalling([stage] { return windowAfterOpening(stage, 3); }))
+        .picture("sealed-package")
+        .details([stage] { return stage.desktop.paths().constLast(); })
+        .then(cancelSettings);
 }
 
 void addRecoverySteps(Tour& tour, const Stage& stage)
@@ -209,7 +280,14 @@ void addRecoverySteps(Tour& tour, const Stage& stage)
         .then(acceptMessageBox);
     tour.expect("The second try succeeds", [stage] { return windowAfterOpening(stage, 2); })
         .picture("recovered")
-        .then(cancelSettings);
+        .then([stage] {
+            vx::UpdateTrust::requireSignatures({stage.server.publicKey()});
+            check(stage.server, "package-exchanged")();
+        });
+}
+
+void addLastStep(Tour& tour, const Stage& stage)
+{
     tour.expect("Cancel closes the settings dialog",
                 [stage] { return settingsDialog() == nullptr ? &stage.window : nullptr; });
 }
@@ -225,4 +303,6 @@ void addSteps(Tour& tour, CameraManagerWindow& window, EmbeddedServer& server,
     addInstallationSteps(tour, stage);
     addFailureSteps(tour);
     addRecoverySteps(tour, stage);
+    addSignatureSteps(tour, stage);
+    addLastStep(tour, stage);
 }

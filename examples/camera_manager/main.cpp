@@ -6,6 +6,7 @@
 //   SoftwareUpdateClient(...)                one object, for the time that the event loop runs
 //   setCurrentCameraVersions                 the cameras whose firmware is looked for
 //   queryForUpdate                           behind a menu entry (CameraManagerWindow.cpp)
+//   UpdateTrust::requireSignatures           refuses what the publisher did not sign
 //   doInitialCheck                           once at the start
 //   getCurrentSettings, setCurrentSettings   a setting that the host wants to have its way
 //   NodeDB::setGlobalProxy                   the road of checks and downloads (EmbeddedServer.cpp)
@@ -28,6 +29,7 @@
 #include "examples/camera_manager/Tour.h"
 #include "examples/camera_manager/TourSteps.h"
 #include "examples/camera_manager/TourSurroundings.h"
+#include "trust/UpdateTrust.h"
 
 namespace {
 
@@ -74,7 +76,11 @@ int run(const Options& options, bool tour)
     window.show();
 
     if (tour) {
+        // It begins without signatures, as hosts do by default.
         return runTour(window, server, options.outputFolder);
+    }
+    if (options.server.isEmpty()) {
+        vx::UpdateTrust::requireSignatures({server.publicKey()});
     }
     updates.doInitialCheck(initialCheckDelayMs);
     return QApplication::exec();

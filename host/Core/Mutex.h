@@ -20,7 +20,7 @@ public:
     /** Takes the lock if it is free. @return whether it was taken. */
     bool tryLock() { return m_mutex.try_lock(); }
 
-    /** Gives the lock back; only for the thread that took it. */
+    /** Releases the lock; only for the thread that took it. */
     void unlock() { m_mutex.unlock(); }
 
 private:

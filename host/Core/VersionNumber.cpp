@@ -72,7 +72,7 @@ int rank(const Parts& parts)
     return 2;
 }
 
-/** Takes the digits at the beginning of @p text away and gives them without leading zeros. */
+/** Takes the digits at the beginning of @p text away and returns them without leading zeros. */
 string_view takeDigits(string_view& text)
 {
     string_view digits = text.substr(0, endOfDigits(text, 0));

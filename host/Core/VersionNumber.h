@@ -16,7 +16,8 @@ namespace vx {
  * as in "4.10", "2.1b3" or "2.0-beta.2". There may be any number of numbers, of any size; what
  * follows the last of them is the word. Values are ordered like this:
  *
- * - The default value, which an empty or blank text has as well, is lowest: no version is known.
+ * - The default value, which a text that is empty or only whitespace has as well, is lowest: no
+ * version is known.
  * - Then follow the texts that cannot be read, among themselves by character code.
  * - Then follow the readable ones, number by number. A missing number counts as 0, so that "2",
  *   "2.0" and "2.00" are equal.
@@ -32,7 +33,7 @@ public:
     /** The default value: no version is known. It differs from that of "0". */
     VersionNumber() = default;
 
-    /** Reads @p text; one that cannot be read gives a value below all that can. */
+    /** Reads @p text; one that cannot be read yields a value below all that can. */
     VersionNumber(const std::string& text);
 
     VersionNumber(const VersionNumber&) = default;
@@ -51,7 +52,7 @@ public:
     bool operator<(const VersionNumber& other) const { return other > *this; }
     bool operator>=(const VersionNumber& other) const { return other <= *this; }
 
-    /** The text that the value was read from; reading it again gives an equal value. */
+    /** The text that the value was read from; reading it again yields an equal value. */
     std::string toString() const;
 
     /**

@@ -9,6 +9,8 @@
 
 #include <algorithm>
 
+#include "host/CoreQt/QtVersions.h"
+
 namespace vx {
 
 namespace {
@@ -48,7 +50,7 @@ bool isSameName(const QByteArray& a, const QByteArray& b)
 bool takes(const QMetaMethod& method, int index, const QGenericArgument& argument)
 {
     const int wanted = method.parameterType(index);
-    const int given = QMetaType::type(argument.name());
+    const int given = metaTypeId(argument.name());
     // Names decide only where a type is not registered: two types may share their last name.
     if (wanted != QMetaType::UnknownType && given != QMetaType::UnknownType) {
         return wanted == given;

@@ -11,10 +11,6 @@ namespace {
 
 bool oneBeginsTheOther(const QString& a, const QString& b)
 {
-    if (a.isEmpty() || b.isEmpty()) {
-        // As a beginning of everything, a camera without a name would be offered every package.
-        return a.isEmpty() && b.isEmpty();
-    }
     return a.startsWith(b) || b.startsWith(a);
 }
 
@@ -25,9 +21,9 @@ bool oneBeginsTheOther(const QString& a, const QString& b)
 const QRegExp StringUtils::splitWords(QString::fromLatin1("[\\s,;]+"));
 
 QStringSet StringUtils::splitStringSet(const QString& text, const QRegExp& separator,
-                                       QString::SplitBehavior behavior)
+                                       SplitBehavior behavior)
 {
-    const QStringList parts = text.split(separator, static_cast<Qt::SplitBehaviorFlags>(behavior));
+    const QStringList parts = splitText(text, separator, behavior);
     return {parts.begin(), parts.end()};
 }
 

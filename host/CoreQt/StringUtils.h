@@ -1,10 +1,10 @@
 #pragma once
 
-#include <QRegExp>
 #include <QSet>
 #include <QString>
 
 #include "host/CoreQt/CoreQtExport.h"
+#include "host/CoreQt/QtVersions.h"
 
 namespace vx {
 
@@ -25,15 +25,14 @@ public:
      * @p behavior says to skip them.
      */
     static QStringSet splitStringSet(const QString& text, const QRegExp& separator,
-                                     QString::SplitBehavior behavior);
+                                     SplitBehavior behavior);
 
     /** Whether the two sets have a string in common; case matters. */
     static bool intersectsWith(const QStringSet& a, const QStringSet& b);
 
     /**
      * Whether a string of one set, whichever, is the beginning of a string of the other; case
-     * matters. "Mac" and "Mac32" meet either way round. An empty string is a name of nothing and
-     * meets only an empty string.
+     * matters. "Mac" and "Mac32" meet either way round. An empty string begins every string.
      */
     static bool intersectsOnBeginning(const QStringSet& a, const QStringSet& b);
 

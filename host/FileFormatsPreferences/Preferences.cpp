@@ -17,7 +17,7 @@ QDateTime Preferences::dateTimeValue(const QSettings& settings, const QString& k
                                      const QDateTime& defaultValue)
 {
     const QVariant value = settings.value(key);
-    const QDateTime time = value.type() == QVariant::DateTime
+    const QDateTime time = value.userType() == QMetaType::QDateTime
                                ? value.toDateTime()
                                : QDateTime::fromString(textValue(settings, key), Qt::ISODateWithMs);
     return time.isValid() ? time.toLocalTime() : defaultValue;
@@ -48,7 +48,7 @@ QString Preferences::stringValue(const QSettings& settings, const QString& key,
                                  const QString& defaultValue)
 {
     const QVariant value = settings.value(key);
-    const bool isText = value.isValid() && value.type() != QVariant::StringList;
+    const bool isText = value.isValid() && value.userType() != QMetaType::QStringList;
     return isText ? value.toString() : defaultValue;
 }
 

@@ -12,7 +12,7 @@ namespace vx {
 /**
  * Typed access to a settings store.
  *
- * Keys lie below the group or array entry that the caller has opened. A reader gives the default
+ * Keys lie below the group or array entry that the caller has opened. A reader returns the default
  * when the key is absent or its value cannot be read as the type; nothing is reported.
  *
  * A time is stored as text: ISO 8601 with milliseconds, in UTC and marked with "Z", as in
@@ -35,10 +35,11 @@ public:
     /** The flag under @p key: "true" and numbers other than 0 are true, "false" and 0 false. */
     static bool boolValue(const QSettings& settings, const QString& key, bool defaultValue);
 
-    /** The number under @p key, or @p defaultValue if it is none or too large for an int. */
+    /** The number under @p key, or @p defaultValue if it is not a number or too large for an int.
+     */
     static int intValue(const QSettings& settings, const QString& key, int defaultValue);
 
-    /** The text under @p key; a list of texts, which has no text of its own, gives the default. */
+    /** The text under @p key; a list of texts, which has no text of its own, yields the default. */
     static QString stringValue(const QSettings& settings, const QString& key,
                                const QString& defaultValue);
 

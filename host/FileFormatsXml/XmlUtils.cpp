@@ -5,8 +5,8 @@
 #include <QXmlStreamReader>
 
 #include "host/CoreQt/ParseException.h"
-#include "host/FileFormatsXml/XmlDecoding.h"
-#include "host/FileFormatsXml/XmlLimits.h"
+#include "host/FileFormatsXml/internal/XmlDecoding.h"
+#include "host/FileFormatsXml/internal/XmlLimits.h"
 
 namespace vx {
 

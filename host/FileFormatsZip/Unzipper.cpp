@@ -5,48 +5,65 @@
 
 #include <utility>
 
-#include "host/FileFormatsZip/Archive.h"
-#include "host/FileFormatsZip/BackgroundTask.h"
-#include "host/FileFormatsZip/Extraction.h"
-#include "host/FileFormatsZip/ExtractionPlan.h"
-#include "host/FileFormatsZip/Failure.h"
+#include "host/FileFormatsZip/internal/BackgroundTask.h"
+#include "host/FileFormatsZip/internal/Failure.h"
+#include "host/FileFormatsZip/internal/plan/ExtractionPlan.h"
+#include "host/FileFormatsZip/internal/read/Archive.h"
+#include "host/FileFormatsZip/internal/write/Extraction.h"
 
 namespace vx {
+
+namespace {
+
+/** What the job's thread uses; it may be at work when the Unzipper is gone. */
+struct Job
+{
+    QString zipFile;
+    QString targetFolder;
+    bool flat = false;
+    std::shared_ptr<ExtractionState> state = std::make_shared<ExtractionState>();
+
+    std::shared_ptr<void> unpack() const
+    {
+        const auto archive = std::make_shared<const Archive>(zipFile, state->canceled);
+        EntrySelection all;
+        for (const ArchiveEntry& entry : archive->index()) {
+            all.push_back(&entry);
+        }
+        ExtractionPlan plan(all, flat, state->canceled);
+        requireNotCanceled();
+        const auto extraction =
+            std::make_shared<Extraction>(archive, std::move(plan), targetFolder, state);
+        if (!extraction->run()) {
+            extraction->removeMade();
+            requireNotCanceled();
+        }
+        return extraction;
+    }
+
+    void requireNotCanceled() const
+    {
+        if (state->canceled) {
+            fail(QStringLiteral("Unpacking was cancelled."));
+        }
+    }
+};
+
+} // namespace
 
 class Unzipper::Private
 {
 public:
-    void unpack();
-
-    QString zipFile;
-    QString targetFolder;
-    bool flat = false;
-    ExtractionState state;
-    /** The last member, so that its thread has ended before the others go. */
+    std::shared_ptr<Job> job = std::make_shared<Job>();
     BackgroundTask task;
 };
-
-/** Runs on the task's thread. */
-void Unzipper::Private::unpack()
-{
-    const Archive archive(zipFile, state.canceled);
-    if (!state.canceled) {
-        ExtractionPlan plan(archive.index(), flat, state.canceled);
-        Extraction extraction(archive, std::move(plan), targetFolder, state);
-        if (extraction.run()) {
-            return;
-        }
-        extraction.removeMade();
-    }
-    fail(QStringLiteral("Unpacking was cancelled."));
-}
 
 Unzipper::Unzipper(const QString& zipFile, const QString& targetFolder, bool flat)
     : d(std::make_unique<Private>())
 {
-    d->zipFile = zipFile;
-    d->targetFolder = targetFolder;
-    d->flat = flat;
+    d->job->zipFile = zipFile;
+    d->job->targetFolder = targetFolder;
+    d->job->flat = flat;
     if (QCoreApplication* const application = QCoreApplication::instance()) {
         // Direct, for whichever thread the job belongs to: the end of the application waits for it.
         // Not every application leaves its event loop by quit(), so that its destruction counts
@@ -59,17 +76,17 @@ Unzipper::Unzipper(const QString& zipFile, const QString& targetFolder, bool fla
 
 Unzipper::~Unzipper()
 {
-    d->state.canceled = true;
+    d->job->state->canceled = true;
 }
 
 bool Unzipper::removeZipFile()
 {
-    return QFile::remove(d->zipFile);
+    return QFile::remove(d->job->zipFile);
 }
 
 void Unzipper::start()
 {
-    d->task.start([this] { d->unpack(); },
+    d->task.start([job = d->job] { return job->unpack(); },
                   [this] { QMetaObject::invokeMethod(this, "report", Qt::QueuedConnection); });
 }
 
@@ -78,7 +95,7 @@ void Unzipper::report()
     // A receiver may destroy this object: nothing may follow the signal.
     const QString reason = d->task.failure();
     if (reason.isEmpty()) {
-        emit unzippingDone(QString(d->targetFolder));
+        emit unzippingDone(QString(d->job->targetFolder));
     } else {
         emit unzippingFailed(reason);
     }
@@ -86,8 +103,8 @@ void Unzipper::report()
 
 void Unzipper::stop()
 {
-    d->state.canceled = true;
-    d->task.wait();
+    d->job->state->canceled = true;
+    d->task.finish();
 }
 
 } // namespace vx

@@ -18,9 +18,9 @@ namespace vx {
  * ZipReader::extractFiles().
  *
  * The object may be destroyed at any time. A job that is still running is then cancelled, what it
- * has unpacked is removed, nothing is reported, and the destructor returns when its threads have
- * ended, which is a matter of milliseconds apart from the removal. The end of the application
- * cancels the job in the same way.
+ * has unpacked is removed, and nothing is reported. The destructor waits for that for 30 ms at
+ * most; what takes longer goes on behind it, and the end of the application waits for it. That end
+ * cancels a running job in the same way.
  */
 class VX_FILEFORMATSZIP_EXPORT Unzipper : public QObject
 {

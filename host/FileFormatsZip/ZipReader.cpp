@@ -3,15 +3,15 @@
 #include <QSet>
 
 #include <new>
+#include <optional>
 #include <utility>
 
 #include "host/CoreQt/IOException.h"
-#include "host/FileFormatsZip/Archive.h"
-#include "host/FileFormatsZip/BackgroundTask.h"
-#include "host/FileFormatsZip/Extraction.h"
-#include "host/FileFormatsZip/ExtractionPlan.h"
-#include "host/FileFormatsZip/Failure.h"
-#include "host/FileFormatsZip/Utf8Locale.h"
+#include "host/FileFormatsZip/internal/BackgroundTask.h"
+#include "host/FileFormatsZip/internal/Failure.h"
+#include "host/FileFormatsZip/internal/plan/ExtractionPlan.h"
+#include "host/FileFormatsZip/internal/read/Archive.h"
+#include "host/FileFormatsZip/internal/write/Extraction.h"
 
 namespace vx {
 
@@ -22,29 +22,64 @@ constexpr int pollMilliseconds = 10;
 
 std::shared_ptr<const Archive> openArchive(const QString& path)
 {
-    const Utf8Locale locale;
     const std::atomic<bool> never{false};
     return std::make_shared<Archive>(path, never);
 }
 
-ArchiveIndex selected(const ArchiveIndex& index, const QStringList& names,
-                      const std::atomic<bool>& canceled)
+/**
+ * Unpacking some entries. What it holds is large if they are many, and given back when nobody waits
+ * any more.
+ */
+class Job
 {
-    QSet<QString> wanted(names.begin(), names.end());
-    ArchiveIndex selection;
-    for (const ArchiveEntry& entry : index) {
-        if (canceled) {
-            return selection;
-        }
-        if (wanted.remove(entry.name)) {
-            selection.push_back(entry);
+public:
+    Job(std::shared_ptr<const Archive> archive, const QString& targetFolder, bool flat,
+        std::shared_ptr<ExtractionState> state)
+        : m_archive(std::move(archive))
+        , m_targetFolder(targetFolder)
+        , m_flat(flat)
+        , m_state(std::move(state))
+    {}
+
+    void run(const QStringList& names)
+    {
+        select(names);
+        m_plan.emplace(m_selection, m_flat, m_state->canceled);
+        if (!m_state->canceled) {
+            m_extraction.emplace(m_archive, std::move(*m_plan), m_targetFolder, m_state);
+            m_extraction->run();
         }
     }
-    if (!wanted.isEmpty()) {
-        fail(QStringLiteral("The archive does not contain %1.").arg(quoted(*wanted.begin())));
+
+private:
+    void select(const QStringList& names)
+    {
+        m_wanted.reserve(names.size());
+        for (int i = 0; i < names.size() && !m_state->canceled; ++i) {
+            m_wanted.insert(names.at(i));
+        }
+        for (const ArchiveEntry& entry : m_archive->index()) {
+            if (m_state->canceled) {
+                return;
+            }
+            if (m_wanted.remove(entry.name)) {
+                m_selection.push_back(&entry);
+            }
+        }
+        if (!m_wanted.isEmpty()) {
+            fail(QStringLiteral("The archive does not contain %1.").arg(quoted(*m_wanted.begin())));
+        }
     }
-    return selection;
-}
+
+    std::shared_ptr<const Archive> m_archive;
+    QString m_targetFolder;
+    bool m_flat;
+    std::shared_ptr<ExtractionState> m_state;
+    QSet<QString> m_wanted;
+    EntrySelection m_selection;
+    std::optional<ExtractionPlan> m_plan;
+    std::optional<Extraction> m_extraction;
+};
 
 } // namespace
 
@@ -107,16 +142,15 @@ void ZipReader::extractFiles(const QStringList& names, const QString& targetFold
     if (d->isExtracting) {
         fail(QStringLiteral("The archive is being unpacked already."));
     }
-    const std::shared_ptr<const Archive> archive = d->archive;
-    ExtractionState state;
+    const auto state = std::make_shared<ExtractionState>();
     BackgroundTask task;
-    task.start([&] {
-        ExtractionPlan plan(selected(archive->index(), names, state.canceled), flat,
-                            state.canceled);
-        Extraction(*archive, std::move(plan), targetFolder, state).run();
+    // Only the task holds the job, so that its end is not waited for.
+    task.start([job = std::make_shared<Job>(d->archive, targetFolder, flat, state), names] {
+        job->run(names);
+        return job;
     });
     const QPointer<ZipReader> self(this);
-    watch(task, state);
+    watch(task, *state);
     if (!self) {
         fail(QStringLiteral("The archive was closed while it was being unpacked."));
     }

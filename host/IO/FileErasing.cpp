@@ -28,7 +28,7 @@ fs::path resolvedUpToName(QString path)
     while (path.endsWith(QLatin1Char('/'))) {
         path.chop(1);
     }
-    const int slash = path.lastIndexOf(QLatin1Char('/'));
+    const auto slash = path.lastIndexOf(QLatin1Char('/'));
     const QString name = path.mid(slash + 1);
     // The system reads a name only up to a NUL, and so would remove something else.
     const bool isName = !name.isEmpty() && name != QLatin1String(".") &&

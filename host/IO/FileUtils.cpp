@@ -11,7 +11,7 @@ namespace vx {
 
 namespace {
 
-// Qt gives no path at all when TMPDIR names a folder that is not there. The current folder, which
+// Qt returns no path at all when TMPDIR names a folder that is not there. The current folder, which
 // an empty path stands for, is no place for temporary files.
 QString temporaryFolder()
 {
@@ -52,6 +52,8 @@ QByteArray FileUtils::readBytes(const QString& path)
 bool FileUtils::writeBytes(const QByteArray& bytes, const QString& path)
 {
     QSaveFile file(path);
+    // Where no new file can be made, the one that is there may still be written.
+    file.setDirectWriteFallback(true);
     return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
 }
 

@@ -17,7 +17,7 @@ public:
 
     /**
      * Creates a new, empty folder below the system's folder for temporary files. Only the user may
-     * enter it, no other call gives the same one, and nobody removes it but the caller.
+     * enter it, no other call returns the same one, and nobody removes it but the caller.
      *
      * @return its absolute path, without a "/" at the end. If it cannot be created, the path of a
      *     folder that does not exist, so that the caller's next step fails and none goes astray.
@@ -45,6 +45,9 @@ public:
     /**
      * Puts @p bytes in place of the content of the file, which is created if need be. The file has
      * either its former content or all of the new one, whatever happens meanwhile.
+     *
+     * In a folder that may not be written, the file itself is overwritten if that may. Then this
+     * protection is lost: a full disk or a crash leaves a part of the new content, or none.
      *
      * @return whether the file has the new content.
      */

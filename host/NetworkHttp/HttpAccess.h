@@ -32,7 +32,7 @@ struct VX_NETWORKHTTP_EXPORT HttpAccess
      * Takes scheme, host, port, user and password of @p url; path and query are ignored.
      *
      * Without a port it is 80, or 443 for https. A URL that is invalid, has no host, or has another
-     * scheme than http, https or none gives no access.
+     * scheme than http, https or none yields no access.
      */
     void setUrl(const QUrl& url);
 
@@ -40,7 +40,7 @@ struct VX_NETWORKHTTP_EXPORT HttpAccess
      * Sets host and port, and forgets user and password, which belonged to another address.
      *
      * @param host a name or an address; IPv6 with or without brackets. What can't be a host
-     *        gives no access.
+     *        yields no access.
      * @param hostPort 1 to 65535; anything else stands for 80, or 443 with @p https.
      * @param https whether a server there is asked by https instead of http.
      */
@@ -50,7 +50,7 @@ struct VX_NETWORKHTTP_EXPORT HttpAccess
      * Reads what a person types for a server or proxy: "host", "host:port", "[::1]:port",
      * "user:password@host", or a whole URL such as "http://host:port/".
      *
-     * Blanks around it are dropped. Text that names no host gives no access.
+     * Whitespace around it is dropped. Text that names no host yields no access.
      *
      * @param defaultPort the port when @p text names none; for https it is 443 whatever this says.
      */

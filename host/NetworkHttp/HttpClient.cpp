@@ -4,9 +4,9 @@
 
 #include <utility>
 
-#include "host/NetworkHttp/HttpTransfer.h"
-#include "host/NetworkHttp/RequestPlan.h"
-#include "host/NetworkHttp/ResultSlot.h"
+#include "host/NetworkHttp/internal/HttpTransfer.h"
+#include "host/NetworkHttp/internal/RequestPlan.h"
+#include "host/NetworkHttp/internal/ResultSlot.h"
 
 namespace {
 

@@ -65,7 +65,7 @@ public:
      * @param receiver the object whose slot tells of the end. If it is destroyed meanwhile, the
      *        request runs on, no slot is called, and requestReset is raised at its end. Null: the
      *        same.
-     * @param slot as the SLOT macro gives it, "1queryResult(RequestPtr)". A slot without
+     * @param slot as the SLOT macro writes it, "1queryResult(RequestPtr)". A slot without
      *        parameter does as well, access doesn't matter. One that @p receiver doesn't have is
      *        reported as a warning here and counts as no receiver.
      * @param device receives the body; open for writing, the caller's, and to be kept until the

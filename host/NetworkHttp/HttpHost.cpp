@@ -8,7 +8,7 @@ namespace vx {
 
 namespace {
 
-/** Encodes "+" as well, which many servers take for a blank. */
+/** Encodes "+" as well, which many servers take for a space. */
 QString encodedQuery(const QMap<QString, QVariant>& params)
 {
     QStringList pairs;

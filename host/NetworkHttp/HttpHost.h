@@ -73,10 +73,10 @@ struct VX_NETWORKHTTP_EXPORT HttpHost
     /**
      * The URL of @p path on the server.
      *
-     * @param path percent-encoded, as HttpClient::encodedUrlPath gives it. What can't stand in the
-     *        path of a URL is encoded, a "?" and a "#" included; what is encoded stays so. A
-     *        leading "/" is added where it is missing, so that an empty path becomes "/" in a full
-     *        URL; without scheme and host an empty path stays empty.
+     * @param path percent-encoded, as HttpClient::encodedUrlPath returns it. What can't stand in
+     * the path of a URL is encoded, a "?" and a "#" included; what is encoded stays so. A leading
+     * "/" is added where it is missing, so that an empty path becomes "/" in a full URL; without
+     * scheme and host an empty path stays empty.
      * @param params becomes the query, in the order of the keys, each key and value percent-encoded
      *        as UTF-8. Empty: no query.
      * @param full whether scheme, host and port come first, as a request needs it. The port is left

@@ -1,7 +1,7 @@
 #include "host/NetworkHttp/RequestData.h"
 
-#include "host/NetworkHttp/RequestPlan.h"
-#include "host/NetworkHttp/ResponseText.h"
+#include "host/NetworkHttp/internal/RequestPlan.h"
+#include "host/NetworkHttp/internal/ResponseText.h"
 
 RequestData::RequestData()
     : m_plan(std::make_unique<vx::RequestPlan>())

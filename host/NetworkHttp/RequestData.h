@@ -58,7 +58,7 @@ public:
     /**
      * The HTTP status of the last answer, 0 until there is one.
      *
-     * Stays what it is when the answer breaks off; is 0 again when the target of a redirect gives
+     * Stays what it is when the answer breaks off; is 0 again when the target of a redirect sends
      * no answer at all.
      */
     int statusCode = 0;

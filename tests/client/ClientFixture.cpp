@@ -90,16 +90,17 @@ PackageFields applicationPackage()
             {QStringLiteral("platform"), QStringLiteral("Mac64")},
             {QStringLiteral("release-date"), QStringLiteral("2012-03-04")},
             {QStringLiteral("file-size"), QStringLiteral("10")},
-            {QStringLiteral("url"), QStringLiteral("http://download.example/files/app.mpkg")}};
+            {QStringLiteral("url"), QStringLiteral("http://download.example.com/files/app.mpkg")}};
 }
 
 PackageFields cameraPackage()
 {
     PackageFields fields = applicationPackage();
     fields[QStringLiteral("name")] = QStringLiteral("Firmware");
-    fields[QStringLiteral("platform")] = QStringLiteral("M15");
+    fields[QStringLiteral("platform")] = QStringLiteral("Mini-12");
     fields[QStringLiteral("file-size")] = QStringLiteral("20");
-    fields[QStringLiteral("url")] = QStringLiteral("http://download.example/files/m15.mpkg");
+    fields[QStringLiteral("url")] =
+        QStringLiteral("http://download.example.com/files/mini-12.mpkg");
     return fields;
 }
 
@@ -157,7 +158,7 @@ TestClient& ClientFixture::startBehindProxy(QWidget* parent)
     NodeDB::getDB().setGlobalProxy(
         NetworkProxy(true, QStringLiteral("127.0.0.1"), server.port(), QString(), QString()));
     m_client = std::make_unique<TestClient>(QStringLiteral("Fixture Product"), VersionNumber("1.0"),
-                                            QStringLiteral("http://update.example/"), parent);
+                                            QStringLiteral("http://update.example.com/"), parent);
     return *m_client;
 }
 

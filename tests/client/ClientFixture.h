@@ -13,7 +13,7 @@
 #include <utility>
 
 #include "client/SoftwareUpdateClient.h"
-#include "tests/client/BoxWatcher.h"
+#include "tests/support/BoxWatcher.h"
 #include "tests/support/LogCapture.h"
 #include "tools/server/UpdateServer.h"
 
@@ -57,7 +57,7 @@ using PackageFields = QMap<QString, QString>;
 /** An application package of release 2.0 that a client of version 1.0 is offered. */
 PackageFields applicationPackage();
 
-/** A firmware package of release 2.0 for the camera "M15". */
+/** A firmware package of release 2.0 for the camera "Mini-12". */
 PackageFields cameraPackage();
 
 /** @p fields with some replaced or added; texts are UTF-8. */

@@ -13,7 +13,7 @@ namespace vx::test {
 InstallationFixture::InstallationFixture(QWidget* parent)
 {
     startBehindProxy(parent).setCurrentCameraVersions(
-        {qMakePair(QStringLiteral("M15"), VersionNumber("1.0"))});
+        {qMakePair(QStringLiteral("Mini-12"), VersionNumber("1.0"))});
     writeStored(QStringLiteral("installablePackageTypes"),
                 QStringLiteral("mpkg,zip,exe,msi,deb,rpk,tar.gz,dmg,MPKG,bin"));
 }
@@ -46,7 +46,7 @@ void InstallationFixture::serve(const QString& path, const QByteArray& body, int
 void InstallationFixture::install(const QString& fileName, const QByteArray& body)
 {
     serve(QStringLiteral("/files/") + fileName, body);
-    openList({QStringLiteral("http://download.example/files/") + fileName}, body.size());
+    openList({QStringLiteral("http://download.example.com/files/") + fileName}, body.size());
     proceedWith(0);
 }
 

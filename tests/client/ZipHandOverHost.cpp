@@ -10,9 +10,9 @@
 
 #include <cstdio>
 
-#include "tests/client/FileRights.h"
 #include "tests/client/InstallationFixture.h"
-#include "tests/host/FileFormatsZip/ZipBuilder.h"
+#include "tests/support/FileRights.h"
+#include "tests/support/ZipBuilder.h"
 
 using namespace vx::test;
 
@@ -21,8 +21,8 @@ namespace {
 void goTheWholeRoad(InstallationFixture& fixture)
 {
     const QByteArray archive = ZipBuilder{file("application/program")}.bytes();
-    fixture.serve("/files/m15.zip", archive);
-    fixture.openList({"http://download.example/files/m15.zip"}, archive.size());
+    fixture.serve("/files/mini-12.zip", archive);
+    fixture.openList({"http://download.example.com/files/mini-12.zip"}, archive.size());
     fixture.boxes.willClick("Proceed");
     fixture.boxes.willClick("Restart now");
     clickInstall(0);

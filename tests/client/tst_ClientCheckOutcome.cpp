@@ -27,6 +27,17 @@ ServedReply redirect(int status, const QByteArray& location)
     return reply;
 }
 
+/** One whose body is longer than what is taken, and never ends. */
+ServedReply endlessReply(int status)
+{
+    ServedReply reply;
+    reply.status = status;
+    reply.body = QByteArray(80 * 1024 * 1024, ' ');
+    reply.fault = ServedReply::Stall;
+    reply.bytesBeforeFault = reply.body.size() - 1;
+    return reply;
+}
+
 QString notification()
 {
     return settingsDialog()->findChild<QLabel*>("updateNotificationLabel")->text();
@@ -51,7 +62,7 @@ QString errorTextInLog(const LogCapture& log)
 
 } // namespace
 
-class tst_ClientCheckOutcome : public QObject
+class ClientCheckOutcomeTest : public QObject
 {
     Q_OBJECT
 
@@ -73,6 +84,8 @@ private slots:
     void failingServer();
     void unreachableServer();
     void answerTooLongToParse();
+    void errorWithALongBody_data();
+    void errorWithALongBody();
     void timeout_data();
     void timeout();
     void dialogShowsTheFormerCheck();
@@ -81,14 +94,14 @@ private slots:
     void textsOfADialogThatClosesMeanwhile();
 };
 
-void tst_ClientCheckOutcome::upToDate_data()
+void ClientCheckOutcomeTest::upToDate_data()
 {
     QTest::addColumn<bool>("dialogOpen");
     QTest::newRow("in the background") << false;
     QTest::newRow("settings dialog open") << true;
 }
 
-void tst_ClientCheckOutcome::upToDate()
+void ClientCheckOutcomeTest::upToDate()
 {
     QFETCH(bool, dialogOpen);
     ClientFixture fixture;
@@ -111,7 +124,7 @@ void tst_ClientCheckOutcome::upToDate()
     QVERIFY(fixture.boxes.seen().isEmpty());
 }
 
-void tst_ClientCheckOutcome::updateAvailable()
+void ClientCheckOutcomeTest::updateAvailable()
 {
     ClientFixture fixture;
     fixture.start();
@@ -120,7 +133,7 @@ void tst_ClientCheckOutcome::updateAvailable()
     QVERIFY(!fixture.log.contains(1, upToDateLine));
 }
 
-void tst_ClientCheckOutcome::redirectIsFollowed_data()
+void ClientCheckOutcomeTest::redirectIsFollowed_data()
 {
     QTest::addColumn<int>("status");
     for (const int status : {301, 302, 303, 307}) {
@@ -128,7 +141,7 @@ void tst_ClientCheckOutcome::redirectIsFollowed_data()
     }
 }
 
-void tst_ClientCheckOutcome::redirectIsFollowed()
+void ClientCheckOutcomeTest::redirectIsFollowed()
 {
     QFETCH(int, status);
     ClientFixture fixture;
@@ -147,7 +160,7 @@ void tst_ClientCheckOutcome::redirectIsFollowed()
              QByteArray("text/xml"));
 }
 
-void tst_ClientCheckOutcome::otherStatusIsNoRedirect()
+void ClientCheckOutcomeTest::otherStatusIsNoRedirect()
 {
     ClientFixture fixture;
     fixture.start();
@@ -159,14 +172,14 @@ void tst_ClientCheckOutcome::otherStatusIsNoRedirect()
     QVERIFY(fixture.log.contains(1, upToDateLine));
 }
 
-void tst_ClientCheckOutcome::redirectWithoutTarget_data()
+void ClientCheckOutcomeTest::redirectWithoutTarget_data()
 {
     QTest::addColumn<QByteArray>("location");
     QTest::newRow("no header") << QByteArray();
     QTest::newRow("empty header") << QByteArray("");
 }
 
-void tst_ClientCheckOutcome::redirectWithoutTarget()
+void ClientCheckOutcomeTest::redirectWithoutTarget()
 {
     QFETCH(QByteArray, location);
     ClientFixture fixture;
@@ -181,7 +194,7 @@ void tst_ClientCheckOutcome::redirectWithoutTarget()
     QVERIFY(fixture.log.contains(1, upToDateLine));
 }
 
-void tst_ClientCheckOutcome::relativeTargetStandsAsItIs()
+void ClientCheckOutcomeTest::relativeTargetStandsAsItIs()
 {
     ClientFixture fixture;
     fixture.start();
@@ -196,7 +209,7 @@ void tst_ClientCheckOutcome::relativeTargetStandsAsItIs()
     QVERIFY(!notification().isEmpty());
 }
 
-void tst_ClientCheckOutcome::redirectToItselfHasNoEnd()
+void ClientCheckOutcomeTest::redirectToItselfHasNoEnd()
 {
     ClientFixture fixture;
     fixture.start();
@@ -208,7 +221,7 @@ void tst_ClientCheckOutcome::redirectToItselfHasNoEnd()
     QTRY_VERIFY(fixture.log.contains(1, upToDateLine));
 }
 
-void tst_ClientCheckOutcome::eachHopGetsItsOwnTime()
+void ClientCheckOutcomeTest::eachHopGetsItsOwnTime()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -224,7 +237,7 @@ void tst_ClientCheckOutcome::eachHopGetsItsOwnTime()
     QVERIFY(client.requestTimer()->remainingTime() > 14000);
 }
 
-void tst_ClientCheckOutcome::progressStaysOnDuringARedirect()
+void ClientCheckOutcomeTest::progressStaysOnDuringARedirect()
 {
     ClientFixture fixture;
     fixture.start();
@@ -241,7 +254,7 @@ void tst_ClientCheckOutcome::progressStaysOnDuringARedirect()
     QCOMPARE(notification(), QStringLiteral("Congratulations! Your product is up-to-date!"));
 }
 
-void tst_ClientCheckOutcome::redirectToAnotherScheme()
+void ClientCheckOutcomeTest::redirectToAnotherScheme()
 {
     ClientFixture fixture;
     fixture.start();
@@ -251,7 +264,7 @@ void tst_ClientCheckOutcome::redirectToAnotherScheme()
     QVERIFY(fixture.log.contains(1, performed + "nowhere:/else"));
 }
 
-void tst_ClientCheckOutcome::failingServer_data()
+void ClientCheckOutcomeTest::failingServer_data()
 {
     QTest::addColumn<int>("status");
     QTest::addColumn<int>("fault");
@@ -264,7 +277,7 @@ void tst_ClientCheckOutcome::failingServer_data()
     QTest::newRow("resets in the background") << 200 << int(ServedReply::Reset) << false;
 }
 
-void tst_ClientCheckOutcome::failingServer()
+void ClientCheckOutcomeTest::failingServer()
 {
     QFETCH(int, status);
     QFETCH(int, fault);
@@ -287,7 +300,7 @@ void tst_ClientCheckOutcome::failingServer()
     QVERIFY(lines.value(lines.size() - 2).endsWith(timeoutLine));
     QVERIFY(lines.last().startsWith('1'));
     QVERIFY(!errorTextInLog(fixture.log).isEmpty());
-    QCOMPARE(fixture.log.lines(3).size(), 1);
+    QCOMPARE(fixture.log.lines(3).size(), 2); // the first tells the reason
     if (dialogOpen) {
         QVERIFY(!isProgressShown());
         QCOMPARE(notification(), errorTextInLog(fixture.log));
@@ -297,7 +310,7 @@ void tst_ClientCheckOutcome::failingServer()
     QVERIFY(fixture.boxes.seen().isEmpty());
 }
 
-void tst_ClientCheckOutcome::unreachableServer()
+void ClientCheckOutcomeTest::unreachableServer()
 {
     ClientFixture fixture;
     fixture.start();
@@ -309,15 +322,11 @@ void tst_ClientCheckOutcome::unreachableServer()
     QVERIFY(!notification().isEmpty());
 }
 
-void tst_ClientCheckOutcome::answerTooLongToParse()
+void ClientCheckOutcomeTest::answerTooLongToParse()
 {
     ClientFixture fixture;
     fixture.start();
-    ServedReply endless;
-    endless.body = QByteArray(80 * 1024 * 1024, ' ');
-    endless.fault = ServedReply::Stall;
-    endless.bytesBeforeFault = endless.body.size() - 1;
-    fixture.server.setReply("/", endless);
+    fixture.server.setReply("/", endlessReply(200));
     fixture.openSettingsDialog();
     QVERIFY(fixture.check());
     QVERIFY(fixture.log.contains(2, "XML parser error"));
@@ -326,12 +335,36 @@ void tst_ClientCheckOutcome::answerTooLongToParse()
     QCOMPARE(notification(), "No update available!");
 }
 
-void tst_ClientCheckOutcome::timeout_data()
+void ClientCheckOutcomeTest::errorWithALongBody_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::newRow("400") << 400;
+    QTest::newRow("404") << 404;
+    QTest::newRow("500") << 500;
+}
+
+// What the server says about its error is not read, however much it is.
+void ClientCheckOutcomeTest::errorWithALongBody()
+{
+    QFETCH(int, status);
+    ClientFixture fixture;
+    fixture.start();
+    fixture.server.setReply("/", endlessReply(status));
+    fixture.openSettingsDialog();
+    QVERIFY(fixture.check());
+    QVERIFY(fixture.log.lines(2).isEmpty());
+    QCOMPARE(fixture.log.lines(3).size(), 2); // the first tells the reason
+    QVERIFY(fixture.log.contains(3, timeoutLine));
+    QVERIFY(!errorTextInLog(fixture.log).isEmpty());
+    QCOMPARE(notification(), errorTextInLog(fixture.log));
+}
+
+void ClientCheckOutcomeTest::timeout_data()
 {
     upToDate_data();
 }
 
-void tst_ClientCheckOutcome::timeout()
+void ClientCheckOutcomeTest::timeout()
 {
     QFETCH(bool, dialogOpen);
     ClientFixture fixture;
@@ -359,12 +392,12 @@ void tst_ClientCheckOutcome::timeout()
     fixture.server.stop();
     QCoreApplication::processEvents();
     QVERIFY(!fixture.log.lines(1).join('\n').contains(evaluation));
-    QCOMPARE(fixture.log.lines(3).size(), 1);
+    QCOMPARE(fixture.log.lines(3).size(), 2); // the first tells the reason
     QCOMPARE(client.record().lastCheck, lastCheck);
     QVERIFY(!timer->isActive());
 }
 
-void tst_ClientCheckOutcome::dialogShowsTheFormerCheck()
+void ClientCheckOutcomeTest::dialogShowsTheFormerCheck()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -385,7 +418,7 @@ void tst_ClientCheckOutcome::dialogShowsTheFormerCheck()
              QLocale::system().toString(former, QLocale::LongFormat));
 }
 
-void tst_ClientCheckOutcome::dialogShowsThisCheckAfterARedirect()
+void ClientCheckOutcomeTest::dialogShowsThisCheckAfterARedirect()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -401,7 +434,7 @@ void tst_ClientCheckOutcome::dialogShowsThisCheckAfterARedirect()
              QLocale::system().toString(client.record().lastCheck, QLocale::LongFormat));
 }
 
-void tst_ClientCheckOutcome::betaBoxOfTheDialogCounts()
+void ClientCheckOutcomeTest::betaBoxOfTheDialogCounts()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -418,7 +451,7 @@ void tst_ClientCheckOutcome::betaBoxOfTheDialogCounts()
     QCOMPARE(client.record().checkForBeta, false);
 }
 
-void tst_ClientCheckOutcome::textsOfADialogThatClosesMeanwhile()
+void ClientCheckOutcomeTest::textsOfADialogThatClosesMeanwhile()
 {
     ClientFixture fixture;
     fixture.start();
@@ -433,5 +466,5 @@ void tst_ClientCheckOutcome::textsOfADialogThatClosesMeanwhile()
     QTRY_VERIFY(fixture.log.contains(1, upToDateLine));
 }
 
-VX_TEST_MAIN(tst_ClientCheckOutcome)
+VX_TEST_MAIN(ClientCheckOutcomeTest)
 #include "tst_ClientCheckOutcome.moc"

@@ -13,8 +13,8 @@
 #include "tests/client/InstallationFixture.h"
 #include "tests/client/SilentServer.h"
 #include "tests/client/UrlRecorder.h"
-#include "tests/host/FileFormatsZip/ZipBuilder.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/ZipBuilder.h"
 
 using namespace vx;
 using namespace vx::test;
@@ -101,7 +101,7 @@ private:
         ServedReply reply;
         reply.status = 302;
         reply.headers.append(
-            qMakePair(QByteArray("Location"), QByteArray("http://update.example/")));
+            qMakePair(QByteArray("Location"), QByteArray("http://update.example.com/")));
         fixture.serve("/", reply);
         fixture.client().checkForUpdate();
     }
@@ -113,7 +113,7 @@ private:
         reply.fault = below(3) == 0 ? ServedReply::Stall : ServedReply::NoFault;
         reply.bytesBeforeFault = 1000;
         reply.delayMs = below(20);
-        fixture.serve("/files/m15.mpkg.zip", reply);
+        fixture.serve("/files/mini-12.mpkg.zip", reply);
         const bool during = below(6) == 0;
         fixture.boxes.willDo([&fixture, during](QMessageBox* box) {
             if (during) {
@@ -129,7 +129,7 @@ private:
 
 } // namespace
 
-class tst_ClientDestruction : public QObject
+class ClientDestructionTest : public QObject
 {
     Q_OBJECT
 
@@ -142,7 +142,7 @@ private slots:
     void nothingIsWritten();
 };
 
-void tst_ClientDestruction::atAnyMoment_data()
+void ClientDestructionTest::atAnyMoment_data()
 {
     QTest::addColumn<quint32>("seed");
     for (quint32 seed = 1; seed <= 40; ++seed) {
@@ -150,14 +150,14 @@ void tst_ClientDestruction::atAnyMoment_data()
     }
 }
 
-void tst_ClientDestruction::atAnyMoment()
+void ClientDestructionTest::atAnyMoment()
 {
     QFETCH(quint32, seed);
     Chance chance(seed);
     QWidget window;
     const UrlRecorder desktop;
     InstallationFixture fixture(chance.below(2) == 0 ? &window : nullptr);
-    fixture.openList({"http://download.example/files/m15.mpkg.zip"}, archive().size());
+    fixture.openList({"http://download.example.com/files/mini-12.mpkg.zip"}, archive().size());
     const QPointer<TestClient> client = &fixture.client();
     for (int actions = chance.below(6); actions > 0 && client; --actions) {
         chance.act(fixture);
@@ -180,7 +180,7 @@ void tst_ClientDestruction::atAnyMoment()
     QVERIFY(fixture.check());
 }
 
-void tst_ClientDestruction::withinASignalOfItsDialog()
+void ClientDestructionTest::withinASignalOfItsDialog()
 {
     InstallationFixture fixture;
     fixture.client().queryForUpdate();
@@ -189,7 +189,7 @@ void tst_ClientDestruction::withinASignalOfItsDialog()
     QTRY_VERIFY(!settingsDialog());
 }
 
-void tst_ClientDestruction::duringACheck()
+void ClientDestructionTest::duringACheck()
 {
     ClientFixture fixture;
     SilentServer silent;
@@ -209,15 +209,15 @@ void tst_ClientDestruction::duringACheck()
     QCOMPARE(fixture.log.lines(3).size(), 1); // the second check's, which found nothing
 }
 
-void tst_ClientDestruction::duringADownload()
+void ClientDestructionTest::duringADownload()
 {
     InstallationFixture fixture;
     ServedReply stalled;
     stalled.body = QByteArray(5000, 'x');
     stalled.fault = ServedReply::Stall;
     stalled.bytesBeforeFault = 1000;
-    fixture.serve("/files/m15.msi", stalled);
-    fixture.openList({"http://download.example/files/m15.msi"}, 5000);
+    fixture.serve("/files/mini-12.msi", stalled);
+    fixture.openList({"http://download.example.com/files/mini-12.msi"}, 5000);
     fixture.proceedWith(0);
     QTRY_COMPARE(progressDialog()->value(), 1000);
     const QString path = fixture.downloadPath();
@@ -229,7 +229,7 @@ void tst_ClientDestruction::duringADownload()
     QCOMPARE(fixture.boxes.seen().size(), 1);
 }
 
-void tst_ClientDestruction::nothingIsWritten()
+void ClientDestructionTest::nothingIsWritten()
 {
     ClientFixture fixture;
     fixture.start();
@@ -240,5 +240,5 @@ void tst_ClientDestruction::nothingIsWritten()
     QCOMPARE(storedKeys(), keys);
 }
 
-VX_TEST_MAIN(tst_ClientDestruction)
+VX_TEST_MAIN(ClientDestructionTest)
 #include "tst_ClientDestruction.moc"

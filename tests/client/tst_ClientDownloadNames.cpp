@@ -56,7 +56,7 @@ bool isUntouched(const QMap<QString, QByteArray>& before, const QMap<QString, QB
 } // namespace
 
 // The name of a file on disk is taken from a catalogue, which is somebody else's text.
-class tst_ClientDownloadNames : public QObject
+class ClientDownloadNamesTest : public QObject
 {
     Q_OBJECT
 
@@ -73,7 +73,7 @@ private:
     QMap<QString, QByteArray> m_before;
 };
 
-void tst_ClientDownloadNames::init()
+void ClientDownloadNamesTest::init()
 {
     // Worth something, and where a bad name would lead.
     const QString root = QFileInfo(QDir::tempPath()).absolutePath();
@@ -85,38 +85,40 @@ void tst_ClientDownloadNames::init()
     m_before = surroundings();
 }
 
-void tst_ClientDownloadNames::usable_data()
+void ClientDownloadNamesTest::usable_data()
 {
     QTest::addColumn<QString>("url");
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("name");
     const auto row = [](const char* title, const QString& rest, const QString& path,
                         const QString& name) {
-        QTest::newRow(title) << "http://download.example" + rest << path << name;
+        QTest::newRow(title) << "http://download.example.com" + rest << path << name;
     };
-    row("plain", "/files/m15.msi", "/files/m15.msi", "m15.msi");
+    row("plain", "/files/mini-12.msi", "/files/mini-12.msi", "mini-12.msi");
     row("blanks", "/files/a b  c.msi", "/files/a b  c.msi", "a b  c.msi");
     row("encoded blank", "/files/a%20b.msi", "/files/a b.msi", "a b.msi");
     row("letters", QString::fromUtf8("/files/Größe ж.msi"), QString::fromUtf8("/files/Größe ж.msi"),
         QString::fromUtf8("Größe ж.msi"));
-    row("empty sections", "/files/m15.msi//", "/files/m15.msi//", "m15.msi");
-    row("query", "/files/get?name=m15.msi", "/files/get", "get?name=m15.msi");
-    row("way up in a query", "/files/get?f=../../m15.msi", "/files/get", "m15.msi");
-    row("fragment", "/files/get#../m15.msi", "/files/get", "m15.msi");
-    row("encoded slashes", "/files/..%2F..%2Fm15.msi", "/files/../../m15.msi", "..%2F..%2Fm15.msi");
-    row("backslashes", "/files/..%5C..%5Cm15.msi", "/files/..\\..\\m15.msi", "..%5C..%5Cm15.msi");
+    row("empty sections", "/files/mini-12.msi//", "/files/mini-12.msi//", "mini-12.msi");
+    row("query", "/files/get?name=mini-12.msi", "/files/get", "get?name=mini-12.msi");
+    row("way up in a query", "/files/get?f=../../mini-12.msi", "/files/get", "mini-12.msi");
+    row("fragment", "/files/get#../mini-12.msi", "/files/get", "mini-12.msi");
+    row("encoded slashes", "/files/..%2F..%2Fmini-12.msi", "/files/../../mini-12.msi",
+        "..%2F..%2Fmini-12.msi");
+    row("backslashes", "/files/..%5C..%5Cmini-12.msi", "/files/..\\..\\mini-12.msi",
+        "..%5C..%5Cmini-12.msi");
     row("line feed", "/files/m%0A15.msi", "/files/m\n15.msi", "m%0A15.msi");
     row("zero", "/files/m%0015.msi", QString("/files/m") + QChar(0) + "15.msi", "m%0015.msi");
-    row("hidden", "/files/.m15.msi", "/files/.m15.msi", ".m15.msi");
+    row("hidden", "/files/.mini-12.msi", "/files/.mini-12.msi", ".mini-12.msi");
     row("looks like an option", "/files/-rf.msi", "/files/-rf.msi", "-rf.msi");
-    row("shell", "/files/$(id);m15.msi", "/files/$(id);m15.msi", "$(id);m15.msi");
+    row("shell", "/files/$(id);mini-12.msi", "/files/$(id);mini-12.msi", "$(id);mini-12.msi");
     row("home", "/files/~.msi", "/files/~.msi", "~.msi");
     row("only dots", "/files/....msi", "/files/....msi", "....msi");
     row("longest", "/" + QString(251, 'm') + ".msi", "/" + QString(251, 'm') + ".msi",
         QString(251, 'm') + ".msi");
 }
 
-void tst_ClientDownloadNames::usable()
+void ClientDownloadNamesTest::usable()
 {
     QFETCH(QString, url);
     QFETCH(QString, path);
@@ -144,25 +146,25 @@ void tst_ClientDownloadNames::usable()
     }
 }
 
-void tst_ClientDownloadNames::unusable_data()
+void ClientDownloadNamesTest::unusable_data()
 {
     QTest::addColumn<QString>("url");
-    QTest::newRow("folder above") << "http://download.example/files/..";
+    QTest::newRow("folder above") << "http://download.example.com/files/..";
     QTest::newRow("two folders above, with blanks for slashes")
-        << "http://download.example/a/../..";
-    QTest::newRow("same folder") << "http://download.example/files/.";
-    QTest::newRow("folder above, then slashes") << "http://download.example/files/..//";
-    QTest::newRow("too long") << "http://download.example/" + QString(300, 'm');
-    QTest::newRow("far too long") << "http://download.example/" + QString(70000, 'm');
+        << "http://download.example.com/a/../..";
+    QTest::newRow("same folder") << "http://download.example.com/files/.";
+    QTest::newRow("folder above, then slashes") << "http://download.example.com/files/..//";
+    QTest::newRow("too long") << "http://download.example.com/" + QString(300, 'm');
+    QTest::newRow("far too long") << "http://download.example.com/" + QString(70000, 'm');
     QTest::newRow("too long in bytes")
-        << "http://download.example/" + QString(200, QChar(0x20ac)) + ".msi";
+        << "http://download.example.com/" + QString(200, QChar(0x20ac)) + ".msi";
     QTest::newRow("no address") << "";
     QTest::newRow("nothing but slashes") << "///";
-    QTest::newRow("way up in a query") << "http://download.example/get?f=/..";
+    QTest::newRow("way up in a query") << "http://download.example.com/get?f=/..";
     QTest::newRow("not a URL") << "http://[bad/..";
 }
 
-void tst_ClientDownloadNames::unusable()
+void ClientDownloadNamesTest::unusable()
 {
     QFETCH(QString, url);
     InstallationFixture fixture;
@@ -191,12 +193,12 @@ void tst_ClientDownloadNames::unusable()
     }
 }
 
-void tst_ClientDownloadNames::cancellingWithAnUnusableName_data()
+void ClientDownloadNamesTest::cancellingWithAnUnusableName_data()
 {
     unusable_data();
 }
 
-void tst_ClientDownloadNames::cancellingWithAnUnusableName()
+void ClientDownloadNamesTest::cancellingWithAnUnusableName()
 {
     QFETCH(QString, url);
     InstallationFixture fixture;
@@ -215,5 +217,5 @@ void tst_ClientDownloadNames::cancellingWithAnUnusableName()
              QFileInfo(path).fileName() != "");
 }
 
-VX_TEST_MAIN(tst_ClientDownloadNames)
+VX_TEST_MAIN(ClientDownloadNamesTest)
 #include "tst_ClientDownloadNames.moc"

@@ -9,7 +9,7 @@ using namespace vx;
 using namespace vx::test;
 
 // The lists grow with every client of the process, so that the order of these functions matters.
-class tst_ClientFirstRuns : public QObject
+class ClientFirstRunsTest : public QObject
 {
     Q_OBJECT
 
@@ -21,7 +21,7 @@ private slots:
     void constantsHoldTheirTexts();
 };
 
-void tst_ClientFirstRuns::firstClientOnAnEmptyStore()
+void ClientFirstRunsTest::firstClientOnAnEmptyStore()
 {
     ClientFixture fixture;
     QVERIFY(storedKeys().isEmpty());
@@ -53,7 +53,7 @@ void tst_ClientFirstRuns::firstClientOnAnEmptyStore()
     QVERIFY(!client.parent());
 }
 
-void tst_ClientFirstRuns::secondClientDoublesTheLists()
+void ClientFirstRunsTest::secondClientDoublesTheLists()
 {
     ClientFixture fixture;
     fixture.start();
@@ -63,7 +63,7 @@ void tst_ClientFirstRuns::secondClientDoublesTheLists()
     QCOMPARE(stored("installablePackageTypes").toString(), QStringLiteral("mpkg,mpkg"));
 }
 
-void tst_ClientFirstRuns::thirdClientTriplesTheLists()
+void ClientFirstRunsTest::thirdClientTriplesTheLists()
 {
     ClientFixture fixture;
     writeStored("supportedPlatforms", "Elsewhere");
@@ -74,7 +74,7 @@ void tst_ClientFirstRuns::thirdClientTriplesTheLists()
     QCOMPARE(client.record().installablePackageTypes, QStringList({"mpkg", "mpkg", "mpkg"}));
 }
 
-void tst_ClientFirstRuns::constantsHoldTheirTexts_data()
+void ClientFirstRunsTest::constantsHoldTheirTexts_data()
 {
     QTest::addColumn<QString>("constant");
     QTest::addColumn<QString>("text");
@@ -100,11 +100,11 @@ void tst_ClientFirstRuns::constantsHoldTheirTexts_data()
     row(sSoftUpUpdateApplicationExecutable, "UpdateInstaller");
 }
 
-void tst_ClientFirstRuns::constantsHoldTheirTexts()
+void ClientFirstRunsTest::constantsHoldTheirTexts()
 {
     QFETCH(QString, constant);
     QTEST(constant, "text");
 }
 
-VX_TEST_MAIN(tst_ClientFirstRuns)
+VX_TEST_MAIN(ClientFirstRunsTest)
 #include "tst_ClientFirstRuns.moc"

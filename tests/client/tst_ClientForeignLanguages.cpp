@@ -57,7 +57,7 @@ PackageFields firmware(const QString& languages)
 } // namespace
 
 // Run once for each language of the system: the locale is fixed when a process starts.
-class tst_ClientForeignLanguages : public QObject
+class ClientForeignLanguagesTest : public QObject
 {
     Q_OBJECT
 
@@ -73,7 +73,7 @@ private:
     QString m_language;
 };
 
-void tst_ClientForeignLanguages::initTestCase()
+void ClientForeignLanguagesTest::initTestCase()
 {
     const QString environment = QString::fromLocal8Bit(qgetenv("LC_ALL"));
     m_language = environment.section('.', 0, 0).section('_', 0, 0);
@@ -81,7 +81,7 @@ void tst_ClientForeignLanguages::initTestCase()
     QCOMPARE(QLocale::system().name(), environment.section('.', 0, 0));
 }
 
-void tst_ClientForeignLanguages::rowsToHide_data()
+void ClientForeignLanguagesTest::rowsToHide_data()
 {
     QTest::addColumn<QStringList>("packages");
     QTest::addColumn<QList<int>>("english");
@@ -109,7 +109,7 @@ void tst_ClientForeignLanguages::rowsToHide_data()
         << QStringList{"de_DE en_GB fr_FR", "de en fr"} << Rows{0} << Rows{0} << Rows{0};
 }
 
-void tst_ClientForeignLanguages::rowsToHide()
+void ClientForeignLanguagesTest::rowsToHide()
 {
     QFETCH(QStringList, packages);
     QFETCH(QList<int>, english);
@@ -123,10 +123,10 @@ void tst_ClientForeignLanguages::rowsToHide()
     QCOMPARE(rows, expected.value(m_language));
 }
 
-void tst_ClientForeignLanguages::rowsAreHiddenAtOnce()
+void ClientForeignLanguagesTest::rowsAreHiddenAtOnce()
 {
     ClientFixture fixture;
-    fixture.start().setCurrentCameraVersions({qMakePair(QString("M15"), VersionNumber("1.0"))});
+    fixture.start().setCurrentCameraVersions({qMakePair(QString("Mini-12"), VersionNumber("1.0"))});
     fixture.openAvailableDialog(
         {applicationPackage(), firmware("de"), firmware("de en"), firmware("fr"), firmware("sv")});
     QCOMPARE(table()->rowCount(), 5);
@@ -135,10 +135,10 @@ void tst_ClientForeignLanguages::rowsAreHiddenAtOnce()
     QCOMPARE(hiddenRows(), expected.value(m_language));
 }
 
-void tst_ClientForeignLanguages::showAllLanguages()
+void ClientForeignLanguagesTest::showAllLanguages()
 {
     ClientFixture fixture;
-    fixture.start().setCurrentCameraVersions({qMakePair(QString("M15"), VersionNumber("1.0"))});
+    fixture.start().setCurrentCameraVersions({qMakePair(QString("Mini-12"), VersionNumber("1.0"))});
     const QList<PackageFields> packages{firmware("de en fr"), firmware("sv")};
     fixture.openAvailableDialog(packages);
     const QList<int> hidden = m_language == "C" ? QList<int>() : QList<int>{1};
@@ -158,10 +158,10 @@ void tst_ClientForeignLanguages::showAllLanguages()
     QCOMPARE(hiddenRows(), hidden);
 }
 
-void tst_ClientForeignLanguages::hiddenRowStaysSelected()
+void ClientForeignLanguagesTest::hiddenRowStaysSelected()
 {
     ClientFixture fixture;
-    fixture.start().setCurrentCameraVersions({qMakePair(QString("M15"), VersionNumber("1.0"))});
+    fixture.start().setCurrentCameraVersions({qMakePair(QString("Mini-12"), VersionNumber("1.0"))});
     fixture.openAvailableDialog({firmware("de en fr"), firmware("sv")});
     auto* box = availableDialog()->findChild<QCheckBox*>("showAllLanguagesCheckBox");
     QTest::keyClick(box, Qt::Key_Space);
@@ -177,5 +177,5 @@ void tst_ClientForeignLanguages::hiddenRowStaysSelected()
     QVERIFY(table()->item(1, 0)->isSelected());
 }
 
-VX_TEST_MAIN(tst_ClientForeignLanguages)
+VX_TEST_MAIN(ClientForeignLanguagesTest)
 #include "tst_ClientForeignLanguages.moc"

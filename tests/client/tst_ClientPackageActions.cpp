@@ -27,7 +27,7 @@ void select(int row, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
 } // namespace
 
 // What the list of packages hands to the desktop.
-class tst_ClientPackageActions : public QObject
+class ClientPackageActionsTest : public QObject
 {
     Q_OBJECT
 
@@ -40,43 +40,44 @@ private slots:
     void downloadOfARowThatIsNotThere();
 };
 
-void tst_ClientPackageActions::releaseNotesAreOpened()
+void ClientPackageActionsTest::releaseNotesAreOpened()
 {
     ClientFixture fixture;
     fixture.start();
     fixture.offer({});
     ServedReply reply;
-    reply.body =
-        catalogueXml({applicationPackage()})
-            .replace("</package>", "<release-notes><language>de</language>"
-                                   "<url>http://d.example/de</url></release-notes>"
-                                   "<release-notes><language>en</language>"
-                                   "<url>http://d.example/first</url></release-notes>"
-                                   "<release-notes><language>en</language>"
-                                   "<url>http://d.example/last</url></release-notes></package>");
+    reply.body = catalogueXml({applicationPackage()})
+                     .replace("</package>",
+                              "<release-notes><language>de</language>"
+                              "<url>http://d.example.com/de</url></release-notes>"
+                              "<release-notes><language>en</language>"
+                              "<url>http://d.example.com/first</url></release-notes>"
+                              "<release-notes><language>en</language>"
+                              "<url>http://d.example.com/last</url></release-notes></package>");
     fixture.server.setReply("/", reply);
     QVERIFY(fixture.check());
     const UrlRecorder desktop;
     select(0);
     QTest::mouseClick(button("releaseNotesPushButton"), Qt::LeftButton);
-    QCOMPARE(desktop.opened(), QList<QUrl>{QUrl("http://d.example/last")});
+    QCOMPARE(desktop.opened(), QList<QUrl>{QUrl("http://d.example.com/last")});
 }
 
-void tst_ClientPackageActions::releaseNotesOfTheFirstOfSeveral()
+void ClientPackageActionsTest::releaseNotesOfTheFirstOfSeveral()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
     fixture.openAvailableDialog(
-        {changed(applicationPackage(), {{"release-notes", ""}, {"url", "http://d.example/1.mpkg"}}),
+        {changed(applicationPackage(),
+                 {{"release-notes", ""}, {"url", "http://d.example.com/1.mpkg"}}),
          changed(applicationPackage(),
-                 {{"release-notes", ""}, {"url", "http://d.example/2.mpkg"}})});
+                 {{"release-notes", ""}, {"url", "http://d.example.com/2.mpkg"}})});
     const UrlRecorder desktop;
     QVERIFY(QMetaObject::invokeMethod(&client, "downloadReleaseNotes", Qt::DirectConnection,
                                       Q_ARG(SoftUpIndexList, (SoftUpIndexList{1, 0}))));
-    QCOMPARE(desktop.opened(), QList<QUrl>{QUrl("http://d.example/2.mpkg")});
+    QCOMPARE(desktop.opened(), QList<QUrl>{QUrl("http://d.example.com/2.mpkg")});
 }
 
-void tst_ClientPackageActions::releaseNotesOfNothing()
+void ClientPackageActionsTest::releaseNotesOfNothing()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -90,33 +91,33 @@ void tst_ClientPackageActions::releaseNotesOfNothing()
     QVERIFY(desktop.opened().isEmpty());
 }
 
-void tst_ClientPackageActions::downloadOpensEachAddress()
+void ClientPackageActionsTest::downloadOpensEachAddress()
 {
     ClientFixture fixture;
     fixture.start();
     fixture.openAvailableDialog(
-        {changed(applicationPackage(), {{"url", "http://d.example/a b.mpkg"}}),
-         changed(applicationPackage(), {{"url", "http://d.example/unselected.mpkg"}}),
-         changed(applicationPackage(), {{"url", "https://d.example/ü.mpkg"}})});
+        {changed(applicationPackage(), {{"url", "http://d.example.com/a b.mpkg"}}),
+         changed(applicationPackage(), {{"url", "http://d.example.com/unselected.mpkg"}}),
+         changed(applicationPackage(), {{"url", "https://d.example.com/ü.mpkg"}})});
     const UrlRecorder desktop;
     select(2);
     select(0, Qt::ControlModifier);
     QTest::mouseClick(button("downloadPushButton"), Qt::LeftButton);
     QList<QUrl> opened = desktop.opened();
     std::sort(opened.begin(), opened.end());
-    QCOMPARE(opened, (QList<QUrl>{QUrl("http://d.example/a b.mpkg"),
-                                  QUrl(QString::fromUtf8("https://d.example/ü.mpkg"))}));
+    QCOMPARE(opened, (QList<QUrl>{QUrl("http://d.example.com/a b.mpkg"),
+                                  QUrl(QString::fromUtf8("https://d.example.com/ü.mpkg"))}));
     QVERIFY(availableDialog()->isVisible());
 }
 
-void tst_ClientPackageActions::downloadOpensInTheOrderOfTheRows()
+void ClientPackageActionsTest::downloadOpensInTheOrderOfTheRows()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
     QList<QUrl> urls;
     QList<PackageFields> packages;
-    for (const char* url :
-         {"http://d.example/0.mpkg", "http://d.example/1.mpkg", "http://d.example/2.mpkg"}) {
+    for (const char* url : {"http://d.example.com/0.mpkg", "http://d.example.com/1.mpkg",
+                            "http://d.example.com/2.mpkg"}) {
         urls << QUrl(url);
         packages << changed(applicationPackage(), {{"url", url}});
     }
@@ -127,7 +128,7 @@ void tst_ClientPackageActions::downloadOpensInTheOrderOfTheRows()
     QCOMPARE(desktop.opened(), (QList<QUrl>{urls.at(2), urls.at(0), urls.at(1)}));
 }
 
-void tst_ClientPackageActions::downloadOfARowThatIsNotThere()
+void ClientPackageActionsTest::downloadOfARowThatIsNotThere()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -138,5 +139,5 @@ void tst_ClientPackageActions::downloadOfARowThatIsNotThere()
     QCOMPARE(desktop.opened().size(), 1);
 }
 
-VX_TEST_MAIN(tst_ClientPackageActions)
+VX_TEST_MAIN(ClientPackageActionsTest)
 #include "tst_ClientPackageActions.moc"

@@ -3,7 +3,7 @@
 
 #include "dialogs/SoftwareUpdateDialog.h"
 #include "tests/client/ClientFixture.h"
-#include "tests/download/FixedClock.h"
+#include "tests/support/FixedClock.h"
 #include "tests/support/TestMain.h"
 
 using namespace vx;
@@ -38,7 +38,7 @@ bool isRequesting(const TestClient& client)
 
 } // namespace
 
-class tst_ClientSchedule : public QObject
+class ClientScheduleTest : public QObject
 {
     Q_OBJECT
 
@@ -66,7 +66,7 @@ private slots:
     void delayedCheckIsRefusedWhenTheTimeComes();
 };
 
-void tst_ClientSchedule::tickFiresWhenOverdue_data()
+void ClientScheduleTest::tickFiresWhenOverdue_data()
 {
     QTest::addColumn<int>("interval");
     QTest::addColumn<QDateTime>("lastCheck");
@@ -91,7 +91,7 @@ void tst_ClientSchedule::tickFiresWhenOverdue_data()
     row("in the future", 1, "2031-01-01T00:00:00.000", "2012-05-15T12:00:00.000", false);
 }
 
-void tst_ClientSchedule::tickFiresWhenOverdue()
+void ClientScheduleTest::tickFiresWhenOverdue()
 {
     QFETCH(int, interval);
     QFETCH(QDateTime, lastCheck);
@@ -110,7 +110,7 @@ void tst_ClientSchedule::tickFiresWhenOverdue()
     QCOMPARE(fixture.log.count(1, firedLine(interval)), fires ? 1 : 0);
 }
 
-void tst_ClientSchedule::firstTickOfAClientThatNeverChecked_data()
+void ClientScheduleTest::firstTickOfAClientThatNeverChecked_data()
 {
     QTest::addColumn<int>("interval");
     for (const int interval : {1, 2, 3}) {
@@ -118,7 +118,7 @@ void tst_ClientSchedule::firstTickOfAClientThatNeverChecked_data()
     }
 }
 
-void tst_ClientSchedule::firstTickOfAClientThatNeverChecked()
+void ClientScheduleTest::firstTickOfAClientThatNeverChecked()
 {
     QFETCH(int, interval);
     ClientFixture fixture;
@@ -131,7 +131,7 @@ void tst_ClientSchedule::firstTickOfAClientThatNeverChecked()
     QCOMPARE(fixture.log.count(1, firedLine(interval)), 1);
 }
 
-void tst_ClientSchedule::tickWithoutAnInterval_data()
+void ClientScheduleTest::tickWithoutAnInterval_data()
 {
     QTest::addColumn<int>("interval");
     for (const int interval : {0, -1, 4, 2147483647}) {
@@ -139,7 +139,7 @@ void tst_ClientSchedule::tickWithoutAnInterval_data()
     }
 }
 
-void tst_ClientSchedule::tickWithoutAnInterval()
+void ClientScheduleTest::tickWithoutAnInterval()
 {
     QFETCH(int, interval);
     ClientFixture fixture;
@@ -151,7 +151,7 @@ void tst_ClientSchedule::tickWithoutAnInterval()
     QVERIFY(client.record().lastCheck.isNull());
 }
 
-void tst_ClientSchedule::delayOfTheTickIsPassedOn()
+void ClientScheduleTest::delayOfTheTickIsPassedOn()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -166,7 +166,7 @@ void tst_ClientSchedule::delayOfTheTickIsPassedOn()
     QVERIFY(fixture.log.contains(1, firedLine(1)));
 }
 
-void tst_ClientSchedule::logLineFollowsTheCall()
+void ClientScheduleTest::logLineFollowsTheCall()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -178,7 +178,7 @@ void tst_ClientSchedule::logLineFollowsTheCall()
     QVERIFY(lines.last().endsWith(firedLine(1)));
 }
 
-void tst_ClientSchedule::tickIsRefusedButLogged()
+void ClientScheduleTest::tickIsRefusedButLogged()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -193,7 +193,7 @@ void tst_ClientSchedule::tickIsRefusedButLogged()
     QCOMPARE(fixture.log.count(1, firedLine(2)), 2);
 }
 
-void tst_ClientSchedule::tickWaitsForTheSettingsDialog()
+void ClientScheduleTest::tickWaitsForTheSettingsDialog()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -204,7 +204,7 @@ void tst_ClientSchedule::tickWaitsForTheSettingsDialog()
     QVERIFY(fixture.log.lines(1).isEmpty());
 }
 
-void tst_ClientSchedule::hourlyTimerTicks()
+void ClientScheduleTest::hourlyTimerTicks()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -214,7 +214,7 @@ void tst_ClientSchedule::hourlyTimerTicks()
     QTRY_COMPARE(fixture.server.requests().size(), 1);
 }
 
-void tst_ClientSchedule::initialCheck_data()
+void ClientScheduleTest::initialCheck_data()
 {
     QTest::addColumn<bool>("doUpdateCheck");
     QTest::addColumn<int>("interval");
@@ -228,7 +228,7 @@ void tst_ClientSchedule::initialCheck_data()
     QTest::newRow("below all") << true << -1 << false;
 }
 
-void tst_ClientSchedule::initialCheck()
+void ClientScheduleTest::initialCheck()
 {
     QFETCH(bool, doUpdateCheck);
     QFETCH(int, interval);
@@ -241,14 +241,14 @@ void tst_ClientSchedule::initialCheck()
     QTEST(client.delayTimers().size() == 1, "checks");
 }
 
-void tst_ClientSchedule::delayBelowOneChecksAtOnce_data()
+void ClientScheduleTest::delayBelowOneChecksAtOnce_data()
 {
     QTest::addColumn<int>("delay");
     QTest::newRow("none") << 0;
     QTest::newRow("negative") << -5000;
 }
 
-void tst_ClientSchedule::delayBelowOneChecksAtOnce()
+void ClientScheduleTest::delayBelowOneChecksAtOnce()
 {
     QFETCH(int, delay);
     ClientFixture fixture;
@@ -258,7 +258,7 @@ void tst_ClientSchedule::delayBelowOneChecksAtOnce()
     QVERIFY(client.delayTimers().isEmpty());
 }
 
-void tst_ClientSchedule::delayGoesThroughATimer()
+void ClientScheduleTest::delayGoesThroughATimer()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -270,14 +270,16 @@ void tst_ClientSchedule::delayGoesThroughATimer()
     QTRY_COMPARE(fixture.server.requests().size(), 1);
 }
 
-void tst_ClientSchedule::delayTimersStayBehind()
+void ClientScheduleTest::delayTimersStayBehind()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
     client.checkForUpdate(1);
     client.checkForUpdate(2);
     client.checkForUpdate(60000);
-    QTRY_COMPARE(fixture.server.requests().size(), 2);
+    // Not the requests at the server: the reply to the first may end both checks.
+    QTRY_COMPARE(
+        fixture.log.lines(1).filter("SoftwareUpdateClient::performUpdateCheck() -> ").size(), 2);
     QCOMPARE(client.delayTimers().size(), 3);
     int waiting = 0;
     for (const QTimer* timer : client.delayTimers()) {
@@ -286,7 +288,7 @@ void tst_ClientSchedule::delayTimersStayBehind()
     QCOMPARE(waiting, 1);
 }
 
-void tst_ClientSchedule::refusedByTheStore()
+void ClientScheduleTest::refusedByTheStore()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -299,7 +301,7 @@ void tst_ClientSchedule::refusedByTheStore()
     QVERIFY(client.record().lastCheck.isNull());
 }
 
-void tst_ClientSchedule::atOnceHoldsBackForTheSettingsDialog()
+void ClientScheduleTest::atOnceHoldsBackForTheSettingsDialog()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -309,7 +311,7 @@ void tst_ClientSchedule::atOnceHoldsBackForTheSettingsDialog()
     QVERIFY(client.record().lastCheck.isNull());
 }
 
-void tst_ClientSchedule::delayedCheckIsDroppedForTheSettingsDialog()
+void ClientScheduleTest::delayedCheckIsDroppedForTheSettingsDialog()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -324,7 +326,7 @@ void tst_ClientSchedule::delayedCheckIsDroppedForTheSettingsDialog()
     QVERIFY(client.record().lastCheck.isNull());
 }
 
-void tst_ClientSchedule::delayedCheckIsRefusedWhenTheTimeComes()
+void ClientScheduleTest::delayedCheckIsRefusedWhenTheTimeComes()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -335,5 +337,5 @@ void tst_ClientSchedule::delayedCheckIsRefusedWhenTheTimeComes()
     QVERIFY(client.record().lastCheck.isNull());
 }
 
-VX_TEST_MAIN(tst_ClientSchedule)
+VX_TEST_MAIN(ClientScheduleTest)
 #include "tst_ClientSchedule.moc"

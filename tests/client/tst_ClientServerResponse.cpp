@@ -35,7 +35,7 @@ const QString upToDateLine =
 
 } // namespace
 
-class tst_ClientServerResponse : public QObject
+class ClientServerResponseTest : public QObject
 {
     Q_OBJECT
 
@@ -49,6 +49,8 @@ private slots:
     void beta();
     void camera_data();
     void camera();
+    void camerasWithoutAName_data();
+    void camerasWithoutAName();
     void camerasOfTheRecord_data();
     void camerasOfTheRecord();
     void onlyTheNewestOfEachSearch();
@@ -60,27 +62,30 @@ private slots:
     void emptyReplyForgetsTheList();
 };
 
-void tst_ClientServerResponse::noPackageAtAll_data()
+void ClientServerResponseTest::noPackageAtAll_data()
 {
     QTest::addColumn<QByteArray>("body");
-    QTest::newRow("empty catalogue") << catalogueXml({});
-    QTest::newRow("nothing") << QByteArray();
-    QTest::newRow("no XML") << QByteArray("Service temporarily unavailable");
-    QTest::newRow("web page") << QByteArray("<html><body><p>Hello</body></html>");
-    QTest::newRow("cut off") << catalogueXml({applicationPackage()}).chopped(10);
-    QTest::newRow("binary") << QByteArray(1000, '\0');
+    QTest::addColumn<bool>("hasReason");
+    QTest::newRow("empty catalogue") << catalogueXml({}) << false;
+    QTest::newRow("nothing") << QByteArray() << true;
+    QTest::newRow("no XML") << QByteArray("Service temporarily unavailable") << true;
+    QTest::newRow("web page") << QByteArray("<html><body><p>Hello</body></html>") << true;
+    // The parser tells of these.
+    QTest::newRow("cut off") << catalogueXml({applicationPackage()}).chopped(10) << false;
+    QTest::newRow("binary") << QByteArray(1000, '\0') << false;
 }
 
-void tst_ClientServerResponse::noPackageAtAll()
+void ClientServerResponseTest::noPackageAtAll()
 {
     QFETCH(QByteArray, body);
+    QFETCH(bool, hasReason);
     ClientFixture fixture;
     fixture.start();
     ServedReply reply;
     reply.body = body;
     fixture.server.setReply("/", reply);
     QVERIFY(fixture.check());
-    QCOMPARE(fixture.log.lines(3).size(), 1);
+    QCOMPARE(fixture.log.lines(3).size(), hasReason ? 2 : 1);
     QVERIFY(fixture.log.contains(3, noUpdateLine));
     QVERIFY(!fixture.log.contains(1, upToDateLine));
 
@@ -91,7 +96,7 @@ void tst_ClientServerResponse::noPackageAtAll()
     QVERIFY(!availableDialog());
 }
 
-void tst_ClientServerResponse::application_data()
+void ClientServerResponseTest::application_data()
 {
     QTest::addColumn<PackageFields>("package");
     QTest::addColumn<bool>("accepted");
@@ -106,9 +111,9 @@ void tst_ClientServerResponse::application_data()
     QTest::newRow("another platform") << changed(good, {{"platform", "Win64"}}) << false;
     QTest::newRow("one platform of several")
         << changed(good, {{"platform", "Win64 Mac32"}}) << true;
-    QTest::newRow("disk image") << changed(good, {{"url", "http://d.example/app.dmg"}}) << true;
+    QTest::newRow("disk image") << changed(good, {{"url", "http://d.example.com/app.dmg"}}) << true;
     QTest::newRow("unsupported type")
-        << changed(good, {{"url", "http://d.example/app.zip"}}) << false;
+        << changed(good, {{"url", "http://d.example.com/app.zip"}}) << false;
     QTest::newRow("beta") << changed(good, {{"status", "BETA"}}) << false;
     QTest::newRow("no status") << changed(good, {{"status", ""}}) << false;
     QTest::newRow("status in other case") << changed(good, {{"status", "Stable"}}) << false;
@@ -116,7 +121,7 @@ void tst_ClientServerResponse::application_data()
     QTest::newRow("any kind") << changed(good, {{"type", "Manual"}}) << true;
 }
 
-void tst_ClientServerResponse::application()
+void ClientServerResponseTest::application()
 {
     QFETCH(PackageFields, package);
     QFETCH(bool, accepted);
@@ -129,7 +134,7 @@ void tst_ClientServerResponse::application()
     QVERIFY(!fixture.log.contains(3, noUpdateLine));
 }
 
-void tst_ClientServerResponse::applicationNameIsNotTheProduct()
+void ClientServerResponseTest::applicationNameIsNotTheProduct()
 {
     ClientFixture fixture;
     fixture.start();
@@ -138,7 +143,7 @@ void tst_ClientServerResponse::applicationNameIsNotTheProduct()
     QVERIFY(offered().isEmpty());
 }
 
-void tst_ClientServerResponse::beta_data()
+void ClientServerResponseTest::beta_data()
 {
     QTest::addColumn<bool>("stored");
     QTest::addColumn<int>("box"); // -1: settings dialog closed
@@ -151,7 +156,7 @@ void tst_ClientServerResponse::beta_data()
     QTest::newRow("on, box cleared but not applied") << true << 0 << stable;
 }
 
-void tst_ClientServerResponse::beta()
+void ClientServerResponseTest::beta()
 {
     QFETCH(bool, stored);
     QFETCH(int, box);
@@ -169,63 +174,89 @@ void tst_ClientServerResponse::beta()
     QCOMPARE(client.record().checkForBeta, stored);
 }
 
-void tst_ClientServerResponse::camera_data()
+void ClientServerResponseTest::camera_data()
 {
     QTest::addColumn<PackageFields>("package");
     QTest::addColumn<bool>("accepted");
     const PackageFields good = changed(cameraPackage(), {{"language", "en"}});
     QTest::newRow("newer") << good << true;
     QTest::newRow("same version") << changed(good, {{"release", "1.5"}}) << false;
-    QTest::newRow("another camera") << changed(good, {{"platform", "D14"}}) << false;
-    QTest::newRow("a family that begins the name") << changed(good, {{"platform", "M1"}}) << true;
+    QTest::newRow("another camera") << changed(good, {{"platform", "Dome-24"}}) << false;
+    QTest::newRow("a family that begins the name") << changed(good, {{"platform", "Mini"}}) << true;
     QTest::newRow("any name") << changed(good, {{"name", "Whatever"}}) << true;
-    QTest::newRow("any file type") << changed(good, {{"url", "http://d.example/m15.bin"}}) << true;
-    QTest::newRow("no file type") << changed(good, {{"url", "http://d.example/m15"}}) << true;
+    QTest::newRow("any file type")
+        << changed(good, {{"url", "http://d.example.com/mini-12.bin"}}) << true;
+    QTest::newRow("no file type") << changed(good, {{"url", "http://d.example.com/mini-12"}})
+                                  << true;
     QTest::newRow("beta") << changed(good, {{"status", "BETA"}}) << false;
 }
 
-void tst_ClientServerResponse::camera()
+void ClientServerResponseTest::camera()
 {
     QFETCH(PackageFields, package);
     ClientFixture fixture;
-    fixture.start().setCurrentCameraVersions({qMakePair(QString("M15"), VersionNumber("1.5"))});
+    fixture.start().setCurrentCameraVersions({qMakePair(QString("Mini-12"), VersionNumber("1.5"))});
     fixture.offer({package});
     QVERIFY(fixture.check());
     QTEST(offered().size() == 1, "accepted");
 }
 
-void tst_ClientServerResponse::camerasOfTheRecord_data()
+void ClientServerResponseTest::camerasWithoutAName_data()
+{
+    QTest::addColumn<QString>("platform");
+    QTest::newRow("another camera") << "Mini-12";
+    QTest::newRow("the application") << "Mac64";
+    QTest::newRow("none") << "";
+}
+
+// The firmware of another camera must not be installed on them.
+void ClientServerResponseTest::camerasWithoutAName()
+{
+    QFETCH(QString, platform);
+    ClientFixture fixture;
+    fixture.start().setCurrentCameraVersions({qMakePair(QString(), VersionNumber("1.0"))});
+    PackageFields fields = cameraPackage();
+    fields["platform"] = platform;
+    fixture.offer({fields});
+    QVERIFY(fixture.check());
+    QCOMPARE(offered(), QStringList());
+    QVERIFY(fixture.log.contains(1, upToDateLine));
+}
+
+void ClientServerResponseTest::camerasOfTheRecord_data()
 {
     QTest::addColumn<QString>("cameras");
     QTest::addColumn<QStringList>("rows");
-    const QString m15 = "Firmware 2.0 firmware";
-    const QString d14 = "Firmware 3.0 firmware";
+    const QString mini12 = "Firmware 2.0 firmware";
+    const QString dome24 = "Firmware 3.0 firmware";
     QTest::newRow("none") << "" << QStringList();
-    QTest::newRow("one") << "M15:1.0" << QStringList({m15});
-    QTest::newRow("stored order") << "D14:1.0,M15:1.0" << QStringList({d14, m15});
-    QTest::newRow("other order") << "M15:1.0,D14:1.0" << QStringList({m15, d14});
-    QTest::newRow("same name, each by its own version") << "M15:2.0,M15:1.0" << QStringList({m15});
-    QTest::newRow("accepted twice, offered once") << "M15:1.0,M15:1.5" << QStringList({m15});
-    QTest::newRow("version unknown") << "M15" << QStringList({m15});
+    QTest::newRow("one") << "Mini-12:1.0" << QStringList({mini12});
+    QTest::newRow("stored order") << "Dome-24:1.0,Mini-12:1.0" << QStringList({dome24, mini12});
+    QTest::newRow("other order") << "Mini-12:1.0,Dome-24:1.0" << QStringList({mini12, dome24});
+    QTest::newRow("same name, each by its own version")
+        << "Mini-12:2.0,Mini-12:1.0" << QStringList({mini12});
+    QTest::newRow("accepted twice, offered once")
+        << "Mini-12:1.0,Mini-12:1.5" << QStringList({mini12});
+    QTest::newRow("version unknown") << "Mini-12" << QStringList({mini12});
 }
 
-void tst_ClientServerResponse::camerasOfTheRecord()
+void ClientServerResponseTest::camerasOfTheRecord()
 {
     QFETCH(QString, cameras);
     ClientFixture fixture;
     fixture.start();
     writeStored("currentCameraVersions", cameras);
-    fixture.offer(
-        {cameraPackage(),
-         changed(cameraPackage(), {{"platform", "D14"}, {"release", "3.0"}, {"file-size", "30"}})});
+    fixture.offer({cameraPackage(),
+                   changed(cameraPackage(),
+                           {{"platform", "Dome-24"}, {"release", "3.0"}, {"file-size", "30"}})});
     QVERIFY(fixture.check());
     QTEST(offered(), "rows");
 }
 
-void tst_ClientServerResponse::onlyTheNewestOfEachSearch()
+void ClientServerResponseTest::onlyTheNewestOfEachSearch()
 {
     ClientFixture fixture;
-    fixture.start().setCurrentCameraVersions({qMakePair(QString("M15"), VersionNumber("1.0"))});
+    fixture.start().setCurrentCameraVersions({qMakePair(QString("Mini-12"), VersionNumber("1.0"))});
     fixture.offer({changed(applicationPackage(), {{"release", "2.9"}}),
                    changed(applicationPackage(), {{"release", "2.10"}, {"platform", "Mac32"}}),
                    changed(applicationPackage(), {{"release", "2.10"}}),
@@ -236,36 +267,36 @@ void tst_ClientServerResponse::onlyTheNewestOfEachSearch()
                                      "Firmware 1.9 firmware"}));
 }
 
-void tst_ClientServerResponse::applicationsComeFirst()
+void ClientServerResponseTest::applicationsComeFirst()
 {
     ClientFixture fixture;
-    fixture.start().setCurrentCameraVersions({qMakePair(QString("M15"), VersionNumber("1.0"))});
+    fixture.start().setCurrentCameraVersions({qMakePair(QString("Mini-12"), VersionNumber("1.0"))});
     fixture.offer({cameraPackage(), applicationPackage()});
     QVERIFY(fixture.check());
     QCOMPARE(offered(), QStringList({"Fixture Application 2.0", "Firmware 2.0 firmware"}));
 }
 
-void tst_ClientServerResponse::oneRecordForApplicationAndCamera()
+void ClientServerResponseTest::oneRecordForApplicationAndCamera()
 {
     ClientFixture fixture;
-    fixture.start().setCurrentCameraVersions({qMakePair(QString("M15"), VersionNumber("1.0"))});
-    fixture.offer({changed(applicationPackage(), {{"platform", "Mac64 M15"}})});
+    fixture.start().setCurrentCameraVersions({qMakePair(QString("Mini-12"), VersionNumber("1.0"))});
+    fixture.offer({changed(applicationPackage(), {{"platform", "Mac64 Mini-12"}})});
     QVERIFY(fixture.check());
     QCOMPARE(offered(),
              QStringList({"Fixture Application 2.0", "Fixture Application 2.0 firmware"}));
 }
 
-void tst_ClientServerResponse::duplicatesAmongCameras()
+void ClientServerResponseTest::duplicatesAmongCameras()
 {
     ClientFixture fixture;
-    fixture.start().setCurrentCameraVersions({qMakePair(QString("M15"), VersionNumber("1.0"))});
+    fixture.start().setCurrentCameraVersions({qMakePair(QString("Mini-12"), VersionNumber("1.0"))});
     // The same date and size is one package, whatever else differs.
     fixture.offer({cameraPackage(), changed(cameraPackage(), {{"name", "Twin"}})});
     QVERIFY(fixture.check());
     QCOMPARE(offered(), QStringList({"Firmware 2.0 firmware"}));
 }
 
-void tst_ClientServerResponse::failedCheckKeepsTheList()
+void ClientServerResponseTest::failedCheckKeepsTheList()
 {
     ClientFixture fixture;
     fixture.start();
@@ -280,7 +311,7 @@ void tst_ClientServerResponse::failedCheckKeepsTheList()
     QCOMPARE(offered(), QStringList({"Fixture Application 2.0"}));
 }
 
-void tst_ClientServerResponse::eachReplyReplacesTheList()
+void ClientServerResponseTest::eachReplyReplacesTheList()
 {
     ClientFixture fixture;
     fixture.start();
@@ -290,7 +321,7 @@ void tst_ClientServerResponse::eachReplyReplacesTheList()
     QCOMPARE(offered(), QStringList({"Fixture Application 3.0"}));
 }
 
-void tst_ClientServerResponse::emptyReplyForgetsTheList()
+void ClientServerResponseTest::emptyReplyForgetsTheList()
 {
     ClientFixture fixture;
     fixture.start();
@@ -303,5 +334,5 @@ void tst_ClientServerResponse::emptyReplyForgetsTheList()
     QCOMPARE(offered(), QStringList());
 }
 
-VX_TEST_MAIN(tst_ClientServerResponse)
+VX_TEST_MAIN(ClientServerResponseTest)
 #include "tst_ClientServerResponse.moc"

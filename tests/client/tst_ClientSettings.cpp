@@ -38,7 +38,7 @@ QString versionText(const VersionNumber& version)
 
 } // namespace
 
-class tst_ClientSettings : public QObject
+class ClientSettingsTest : public QObject
 {
     Q_OBJECT
 
@@ -68,7 +68,7 @@ private slots:
     void slotTables();
 };
 
-void tst_ClientSettings::recordDefaults()
+void ClientSettingsTest::recordDefaults()
 {
     const SoftwareUpdateSettings record;
     QVERIFY(record.product.isNull());
@@ -85,20 +85,20 @@ void tst_ClientSettings::recordDefaults()
     QVERIFY(record.currentCameraVersions.isEmpty());
 }
 
-void tst_ClientSettings::clearedRecord()
+void ClientSettingsTest::clearedRecord()
 {
     SoftwareUpdateSettings record;
     record.product = "P";
     record.versionNumber = VersionNumber("3.1");
     record.quietMode = true;
-    record.serverURL = "http://elsewhere.example/";
+    record.serverURL = "http://elsewhere.example.com/";
     record.checkForBeta = true;
     record.updateInterval = 3;
     record.lastCheck = QDateTime::currentDateTime();
     record.supportedPlatforms << "Mac64";
     record.supportedPackageTypes << "dmg";
     record.installablePackageTypes << "mpkg";
-    record.currentCameraVersions = cameras({{"M15", "1.0"}});
+    record.currentCameraVersions = cameras({{"Mini-12", "1.0"}});
     record.clear();
 
     QVERIFY(record.product.isNull());
@@ -115,7 +115,7 @@ void tst_ClientSettings::clearedRecord()
     QVERIFY(record.currentCameraVersions.isEmpty());
 }
 
-void tst_ClientSettings::argumentsReplaceWhatIsStored()
+void ClientSettingsTest::argumentsReplaceWhatIsStored()
 {
     ClientFixture fixture;
     writeStored("product", "Former Product");
@@ -125,14 +125,14 @@ void tst_ClientSettings::argumentsReplaceWhatIsStored()
     QCOMPARE(versionText(client.record().versionNumber), QStringLiteral("1.0"));
 }
 
-void tst_ClientSettings::storedServerWins_data()
+void ClientSettingsTest::storedServerWins_data()
 {
     QTest::addColumn<QString>("before");
-    QTest::newRow("another address") << QStringLiteral("http://user.example/");
+    QTest::newRow("another address") << QStringLiteral("http://user.example.com/");
     QTest::newRow("an empty text counts as a value") << QStringLiteral("");
 }
 
-void tst_ClientSettings::storedServerWins()
+void ClientSettingsTest::storedServerWins()
 {
     QFETCH(QString, before);
     ClientFixture fixture;
@@ -143,7 +143,7 @@ void tst_ClientSettings::storedServerWins()
     QCOMPARE(stored("serverURL").toString(), before);
 }
 
-void tst_ClientSettings::timerFollowsTheStore()
+void ClientSettingsTest::timerFollowsTheStore()
 {
     ClientFixture fixture;
     writeStored("doUpdateCheck", false);
@@ -152,7 +152,7 @@ void tst_ClientSettings::timerFollowsTheStore()
     QCOMPARE(client.record().doUpdateCheck, false);
 }
 
-void tst_ClientSettings::flagsAreReadFromTheirText_data()
+void ClientSettingsTest::flagsAreReadFromTheirText_data()
 {
     QTest::addColumn<QVariant>("value");
     QTest::addColumn<bool>("doUpdateCheck");
@@ -165,7 +165,7 @@ void tst_ClientSettings::flagsAreReadFromTheirText_data()
     QTest::newRow("any other text is true") << QVariant("yes") << true << true;
 }
 
-void tst_ClientSettings::flagsAreReadFromTheirText()
+void ClientSettingsTest::flagsAreReadFromTheirText()
 {
     QFETCH(QVariant, value);
     ClientFixture fixture;
@@ -176,7 +176,7 @@ void tst_ClientSettings::flagsAreReadFromTheirText()
     QTEST(client.record().checkForBeta, "checkForBeta");
 }
 
-void tst_ClientSettings::absentKeys()
+void ClientSettingsTest::absentKeys()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -201,7 +201,7 @@ void tst_ClientSettings::absentKeys()
     QCOMPARE(record.quietMode, false);
 }
 
-void tst_ClientSettings::typesThatDoNotFit()
+void ClientSettingsTest::typesThatDoNotFit()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -213,13 +213,13 @@ void tst_ClientSettings::typesThatDoNotFit()
     QVERIFY(client.record().versionNumber == VersionNumber(""));
 }
 
-void tst_ClientSettings::writingNeverRemoves()
+void ClientSettingsTest::writingNeverRemoves()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
     SoftwareUpdateSettings full = client.record();
     full.lastCheck = QDateTime(QDate(2012, 3, 4), QTime(5, 6, 7));
-    full.currentCameraVersions = cameras({{"M15", "1.5"}});
+    full.currentCameraVersions = cameras({{"Mini-12", "1.5"}});
     client.store(full);
     const QStringList keys = storedKeys();
 
@@ -239,14 +239,14 @@ void tst_ClientSettings::writingNeverRemoves()
     QCOMPARE(asTexts(after.currentCameraVersions), asTexts(full.currentCameraVersions));
 }
 
-void tst_ClientSettings::roundTrip()
+void ClientSettingsTest::roundTrip()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
     SoftwareUpdateSettings record;
     record.product = QString::fromUtf8("Größe, \"quoted\"; = [x]");
     record.versionNumber = VersionNumber("4.10.2b3");
-    record.serverURL = "http://server.example/list?a=b,c#d";
+    record.serverURL = "http://server.example.com/list?a=b,c#d";
     record.doUpdateCheck = false;
     record.checkForBeta = true;
     record.updateInterval = 2;
@@ -254,7 +254,7 @@ void tst_ClientSettings::roundTrip()
     record.supportedPlatforms = QStringList{"A b", QString::fromUtf8("Ä")};
     record.supportedPackageTypes = QStringList{"zip", "tar.gz"};
     record.installablePackageTypes = QStringList{"zip"};
-    record.currentCameraVersions = cameras({{"M15 Außen", "1.5"}, {"M24", "2.0"}});
+    record.currentCameraVersions = cameras({{"Mini-12 Außen", "1.5"}, {"Dome-24", "2.0"}});
     client.store(record);
 
     const SoftwareUpdateSettings read = client.record();
@@ -269,10 +269,10 @@ void tst_ClientSettings::roundTrip()
     QCOMPARE(read.supportedPackageTypes, record.supportedPackageTypes);
     QCOMPARE(read.installablePackageTypes, record.installablePackageTypes);
     QCOMPARE(asTexts(read.currentCameraVersions), asTexts(record.currentCameraVersions));
-    QCOMPARE(stored("lastCheck").type(), QVariant::DateTime);
+    QCOMPARE(stored("lastCheck").userType(), int(QMetaType::QDateTime));
 }
 
-void tst_ClientSettings::listsDropEmptyParts()
+void ClientSettingsTest::listsDropEmptyParts()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -280,21 +280,23 @@ void tst_ClientSettings::listsDropEmptyParts()
     QCOMPARE(client.record().supportedPlatforms, QStringList({"Mac64", "mac64"}));
 }
 
-void tst_ClientSettings::camerasAsText_data()
+void ClientSettingsTest::camerasAsText_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QStringList>("read");
-    QTest::newRow("two cameras") << "M15:1.5,M24:2.0" << QStringList({"M15=1.5", "M24=2.0"});
+    QTest::newRow("two cameras") << "Mini-12:1.5,Dome-24:2.0"
+                                 << QStringList({"Mini-12=1.5", "Dome-24=2.0"});
     QTest::newRow("two commas in a row")
-        << "M15:1.5,,M24:2.0" << QStringList({"M15=1.5", "M24=2.0"});
-    QTest::newRow("no colon") << "M15" << QStringList({"M15="});
-    QTest::newRow("second colon") << "M15:1.5:lost" << QStringList({"M15=1.5"});
+        << "Mini-12:1.5,,Dome-24:2.0" << QStringList({"Mini-12=1.5", "Dome-24=2.0"});
+    QTest::newRow("no colon") << "Mini-12" << QStringList({"Mini-12="});
+    QTest::newRow("second colon") << "Mini-12:1.5:lost" << QStringList({"Mini-12=1.5"});
     QTest::newRow("no name") << ":1.5" << QStringList({"=1.5"});
-    QTest::newRow("same name twice") << "M15:1.0,M15:2.0" << QStringList({"M15=1.0", "M15=2.0"});
+    QTest::newRow("same name twice")
+        << "Mini-12:1.0,Mini-12:2.0" << QStringList({"Mini-12=1.0", "Mini-12=2.0"});
     QTest::newRow("empty") << "" << QStringList();
 }
 
-void tst_ClientSettings::camerasAsText()
+void ClientSettingsTest::camerasAsText()
 {
     QFETCH(QString, text);
     ClientFixture fixture;
@@ -303,20 +305,20 @@ void tst_ClientSettings::camerasAsText()
     QTEST(asTexts(client.record().currentCameraVersions), "read");
 }
 
-void tst_ClientSettings::camerasWithoutEscaping_data()
+void ClientSettingsTest::camerasWithoutEscaping_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("text");
     QTest::addColumn<QStringList>("read");
-    QTest::newRow("plain") << "M15"
-                           << "M15:1.5" << QStringList({"M15=1.5"});
+    QTest::newRow("plain") << "Mini-12"
+                           << "Mini-12:1.5" << QStringList({"Mini-12=1.5"});
     QTest::newRow("colon") << "M:15"
                            << "M:15:1.5" << QStringList({"M=15"});
     QTest::newRow("comma") << "M,15"
                            << "M,15:1.5" << QStringList({"M=", "15=1.5"});
 }
 
-void tst_ClientSettings::camerasWithoutEscaping()
+void ClientSettingsTest::camerasWithoutEscaping()
 {
     QFETCH(QString, name);
     ClientFixture fixture;
@@ -326,19 +328,19 @@ void tst_ClientSettings::camerasWithoutEscaping()
     QTEST(asTexts(client.record().currentCameraVersions), "read");
 }
 
-void tst_ClientSettings::emptyCameraListChangesNothing()
+void ClientSettingsTest::emptyCameraListChangesNothing()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
-    client.setCurrentCameraVersions(cameras({{"M15", "1.5"}, {"M24", "2.0"}}));
-    QCOMPARE(stored("currentCameraVersions").toString(), QStringLiteral("M15:1.5,M24:2.0"));
+    client.setCurrentCameraVersions(cameras({{"Mini-12", "1.5"}, {"Dome-24", "2.0"}}));
+    QCOMPARE(stored("currentCameraVersions").toString(), QStringLiteral("Mini-12:1.5,Dome-24:2.0"));
     client.setCurrentCameraVersions({});
-    QCOMPARE(stored("currentCameraVersions").toString(), QStringLiteral("M15:1.5,M24:2.0"));
-    client.setCurrentCameraVersions(cameras({{"M26", "3.0"}}));
-    QCOMPARE(stored("currentCameraVersions").toString(), QStringLiteral("M26:3.0"));
+    QCOMPARE(stored("currentCameraVersions").toString(), QStringLiteral("Mini-12:1.5,Dome-24:2.0"));
+    client.setCurrentCameraVersions(cameras({{"Mini-12", "3.0"}}));
+    QCOMPARE(stored("currentCameraVersions").toString(), QStringLiteral("Mini-12:3.0"));
 }
 
-void tst_ClientSettings::versionNumberIsStored()
+void ClientSettingsTest::versionNumberIsStored()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -350,7 +352,7 @@ void tst_ClientSettings::versionNumberIsStored()
     QCOMPARE(stored("versionNumber").toString(), QStringLiteral("0"));
 }
 
-void tst_ClientSettings::enablingAndDisablingAreNotStored()
+void ClientSettingsTest::enablingAndDisablingAreNotStored()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -372,7 +374,7 @@ void tst_ClientSettings::enablingAndDisablingAreNotStored()
     QCOMPARE(next.record().doUpdateCheck, false);
 }
 
-void tst_ClientSettings::parentOfLaterDialogs()
+void ClientSettingsTest::parentOfLaterDialogs()
 {
     ClientFixture fixture;
     QWidget first;
@@ -390,7 +392,7 @@ void tst_ClientSettings::parentOfLaterDialogs()
     QCOMPARE(fixture.openSettingsDialog()->parentWidget(), &second);
 }
 
-void tst_ClientSettings::parentThatIsGone()
+void ClientSettingsTest::parentThatIsGone()
 {
     ClientFixture fixture;
     auto* window = new QWidget;
@@ -410,7 +412,7 @@ void tst_ClientSettings::parentThatIsGone()
     QCOMPARE(fixture.openSettingsDialog()->parentWidget(), &other);
 }
 
-void tst_ClientSettings::slotTables()
+void ClientSettingsTest::slotTables()
 {
     const QMetaObject& meta = SoftwareUpdateClient::staticMetaObject;
     QStringList publicSlots;
@@ -460,5 +462,5 @@ void tst_ClientSettings::slotTables()
                                         "openSettingsDialogFromUpdateAvailableDialog()"}));
 }
 
-VX_TEST_MAIN(tst_ClientSettings)
+VX_TEST_MAIN(ClientSettingsTest)
 #include "tst_ClientSettings.moc"

@@ -45,7 +45,7 @@ int dialogCount()
 
 } // namespace
 
-class tst_ClientSettingsDialog : public QObject
+class ClientSettingsDialogTest : public QObject
 {
     Q_OBJECT
 
@@ -58,6 +58,7 @@ private slots:
     void secondCallRefreshes();
     void secondCallComesToTheFront();
     void okStoresAndCloses();
+    void okStoresAnEmptyAddress();
     void cancelStoresNothing();
     void escapeStoresNothing();
     void applyingDrivesTheTimer_data();
@@ -71,7 +72,7 @@ private slots:
     void recreatedDialogIsConnectedOnce();
 };
 
-void tst_ClientSettingsDialog::opensWithWhatIsStored()
+void ClientSettingsDialogTest::opensWithWhatIsStored()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -97,7 +98,7 @@ void tst_ClientSettingsDialog::opensWithWhatIsStored()
     QTRY_VERIFY(dialog->isActiveWindow());
 }
 
-void tst_ClientSettingsDialog::firstOpeningHasNoLastCheck()
+void ClientSettingsDialogTest::firstOpeningHasNoLastCheck()
 {
     ClientFixture fixture;
     fixture.start();
@@ -107,14 +108,14 @@ void tst_ClientSettingsDialog::firstOpeningHasNoLastCheck()
     QVERIFY(dialog->findChild<QLabel*>("currentVersionLabel")->isVisible());
 }
 
-void tst_ClientSettingsDialog::modality_data()
+void ClientSettingsDialogTest::modality_data()
 {
     QTest::addColumn<bool>("modal");
     QTest::newRow("modal") << true;
     QTest::newRow("not modal") << false;
 }
 
-void tst_ClientSettingsDialog::modality()
+void ClientSettingsDialogTest::modality()
 {
     QFETCH(bool, modal);
     ClientFixture fixture;
@@ -124,7 +125,7 @@ void tst_ClientSettingsDialog::modality()
     QCOMPARE(settingsDialog()->isModal(), modal);
 }
 
-void tst_ClientSettingsDialog::windowFlags()
+void ClientSettingsDialogTest::windowFlags()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -146,14 +147,14 @@ void tst_ClientSettingsDialog::windowFlags()
     QVERIFY(!hasFlags(settingsDialog(), Qt::WindowStaysOnTopHint));
 }
 
-void tst_ClientSettingsDialog::secondCallRefreshes()
+void ClientSettingsDialogTest::secondCallRefreshes()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
     SoftwareUpdateDialog* dialog = fixture.openSettingsDialog();
     dialog->setNotificationText("left over");
     dialog->findChild<QCheckBox*>("updateCheckBox")->setChecked(false);
-    dialog->findChild<QLineEdit*>("updateServerLineEdit")->setText("http://unsaved.example/");
+    dialog->findChild<QLineEdit*>("updateServerLineEdit")->setText("http://unsaved.example.com/");
     writeStored("updateInterval", 3);
 
     client.queryForUpdate(Qt::Dialog | Qt::WindowStaysOnTopHint, false);
@@ -168,7 +169,7 @@ void tst_ClientSettingsDialog::secondCallRefreshes()
     QCOMPARE(dialog->findChild<QLabel*>("updateNotificationLabel")->text(), QString());
 }
 
-void tst_ClientSettingsDialog::secondCallComesToTheFront()
+void ClientSettingsDialogTest::secondCallComesToTheFront()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -182,20 +183,36 @@ void tst_ClientSettingsDialog::secondCallComesToTheFront()
     QTRY_VERIFY(dialog->isActiveWindow());
 }
 
-void tst_ClientSettingsDialog::okStoresAndCloses()
+// A user who empties the field means it: the former address must not come back.
+void ClientSettingsDialogTest::okStoresAnEmptyAddress()
+{
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    QVERIFY(!stored("serverURL").toString().isEmpty());
+    fixture.openSettingsDialog()->findChild<QLineEdit*>("updateServerLineEdit")->clear();
+    QTest::mouseClick(button(QDialogButtonBox::Ok), Qt::LeftButton);
+    QVERIFY(stored("serverURL").isValid());
+    QCOMPARE(stored("serverURL").toString(), QString(""));
+    QVERIFY(!client.record().serverURL.isNull());
+    // Nor does the default replace it.
+    fixture.deleteClient();
+    QCOMPARE(fixture.start().record().serverURL, QString(""));
+}
+
+void ClientSettingsDialogTest::okStoresAndCloses()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
     const SoftwareUpdateDialog* dialog = fixture.openSettingsDialog();
     dialog->findChild<QComboBox*>("updateComboBox")->setCurrentIndex(1);
     dialog->findChild<QCheckBox*>("checkForBetaCheckBox")->setChecked(true);
-    dialog->findChild<QLineEdit*>("updateServerLineEdit")->setText("http://typed.example/");
+    dialog->findChild<QLineEdit*>("updateServerLineEdit")->setText("http://typed.example.com/");
     QTest::mouseClick(button(QDialogButtonBox::Ok), Qt::LeftButton);
 
     const SoftwareUpdateSettings record = client.record();
     QCOMPARE(record.updateInterval, 1);
     QCOMPARE(record.checkForBeta, true);
-    QCOMPARE(record.serverURL, QStringLiteral("http://typed.example/"));
+    QCOMPARE(record.serverURL, QStringLiteral("http://typed.example.com/"));
     QCOMPARE(record.product, QStringLiteral("Fixture Product"));
     QCOMPARE(QString::fromStdString(record.versionNumber.toString()), QStringLiteral("1.0"));
     QVERIFY(record.lastCheck.isNull());
@@ -203,7 +220,7 @@ void tst_ClientSettingsDialog::okStoresAndCloses()
     QTRY_VERIFY(!settingsDialog());
 }
 
-void tst_ClientSettingsDialog::cancelStoresNothing()
+void ClientSettingsDialogTest::cancelStoresNothing()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -214,7 +231,7 @@ void tst_ClientSettingsDialog::cancelStoresNothing()
     QTRY_VERIFY(!settingsDialog());
 }
 
-void tst_ClientSettingsDialog::escapeStoresNothing()
+void ClientSettingsDialogTest::escapeStoresNothing()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -224,7 +241,7 @@ void tst_ClientSettingsDialog::escapeStoresNothing()
     QTRY_VERIFY(!settingsDialog());
 }
 
-void tst_ClientSettingsDialog::applyingDrivesTheTimer_data()
+void ClientSettingsDialogTest::applyingDrivesTheTimer_data()
 {
     QTest::addColumn<bool>("before");
     QTest::addColumn<bool>("after");
@@ -234,7 +251,7 @@ void tst_ClientSettingsDialog::applyingDrivesTheTimer_data()
     QTest::newRow("off again") << false << false;
 }
 
-void tst_ClientSettingsDialog::applyingDrivesTheTimer()
+void ClientSettingsDialogTest::applyingDrivesTheTimer()
 {
     QFETCH(bool, before);
     QFETCH(bool, after);
@@ -253,7 +270,7 @@ void tst_ClientSettingsDialog::applyingDrivesTheTimer()
     }
 }
 
-void tst_ClientSettingsDialog::intervalOfNoEntry()
+void ClientSettingsDialogTest::intervalOfNoEntry()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -263,7 +280,7 @@ void tst_ClientSettingsDialog::intervalOfNoEntry()
     QCOMPARE(client.record().updateInterval, -1);
 }
 
-void tst_ClientSettingsDialog::closedDialogIsForgottenOnceItIsGone()
+void ClientSettingsDialogTest::closedDialogIsForgottenOnceItIsGone()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -278,7 +295,7 @@ void tst_ClientSettingsDialog::closedDialogIsForgottenOnceItIsGone()
     QVERIFY(fixture.openSettingsDialog());
 }
 
-void tst_ClientSettingsDialog::dialogDestroyedByItsParent()
+void ClientSettingsDialogTest::dialogDestroyedByItsParent()
 {
     ClientFixture fixture;
     auto* window = new QWidget;
@@ -290,7 +307,7 @@ void tst_ClientSettingsDialog::dialogDestroyedByItsParent()
     QVERIFY(client.requestTimer()->isActive());
 }
 
-void tst_ClientSettingsDialog::openedFromTheListOfPackages()
+void ClientSettingsDialogTest::openedFromTheListOfPackages()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -305,7 +322,7 @@ void tst_ClientSettingsDialog::openedFromTheListOfPackages()
     QVERIFY(!hasFlags(settingsDialog(), Qt::WindowStaysOnTopHint));
 }
 
-void tst_ClientSettingsDialog::listOpenedWhileItIsOpenBelongsToIt()
+void ClientSettingsDialogTest::listOpenedWhileItIsOpenBelongsToIt()
 {
     ClientFixture fixture;
     fixture.start();
@@ -320,7 +337,7 @@ void tst_ClientSettingsDialog::listOpenedWhileItIsOpenBelongsToIt()
     QVERIFY(fixture.openAvailableDialog({applicationPackage()}));
 }
 
-void tst_ClientSettingsDialog::forcedListShowsWhatIsThere()
+void ClientSettingsDialogTest::forcedListShowsWhatIsThere()
 {
     ClientFixture fixture;
     fixture.start();
@@ -330,7 +347,7 @@ void tst_ClientSettingsDialog::forcedListShowsWhatIsThere()
     QVERIFY(availableDialog()->isVisible());
 }
 
-void tst_ClientSettingsDialog::recreatedDialogIsConnectedOnce()
+void ClientSettingsDialogTest::recreatedDialogIsConnectedOnce()
 {
     ClientFixture fixture;
     fixture.start();
@@ -343,5 +360,5 @@ void tst_ClientSettingsDialog::recreatedDialogIsConnectedOnce()
     QCOMPARE(fixture.server.requests().size(), 1);
 }
 
-VX_TEST_MAIN(tst_ClientSettingsDialog)
+VX_TEST_MAIN(ClientSettingsDialogTest)
 #include "tst_ClientSettingsDialog.moc"

@@ -19,6 +19,12 @@ void useIniFilesIn(const QTemporaryDir& folder, QSettings::Scope scope)
     SoftwareUpdateClient::sSoftUpQSettingsScope = scope;
 }
 
+/** Where Qt looks for the values of the organisation that the application's own file lacks. */
+QString fallbackFileIn(const QTemporaryDir& folder)
+{
+    return folder.filePath("Fixture Works.ini");
+}
+
 QString iniFileIn(const QTemporaryDir& folder)
 {
     return folder.filePath("Fixture Works/Fixture Application.ini");
@@ -41,9 +47,28 @@ QByteArray timeOfNoZone()
     return text + ')';
 }
 
+void append(const QString& file, const QByteArray& lines)
+{
+    QFile text(file);
+    if (text.open(QIODevice::Append)) {
+        text.write(lines);
+    }
+}
+
+QByteArray contents(const QString& file)
+{
+    QFile text(file);
+    return text.open(QIODevice::ReadOnly) ? text.readAll() : QByteArray();
+}
+
+QVariant valueIn(const QString& file, const QString& key)
+{
+    return QSettings(file, QSettings::IniFormat).value(key);
+}
+
 } // namespace
 
-class tst_ClientSettingsStore : public QObject
+class ClientSettingsStoreTest : public QObject
 {
     Q_OBJECT
 
@@ -55,22 +80,24 @@ private slots:
     void unwritableStoreIsNotNoticed();
     void lettersOfVersionsStayAsTheyAre();
     void timesThatCannotBeWritten();
+    void timesOfOtherFilesStayAsTheyAre();
+    void timeOfARecordThatCannotBeWritten();
 };
 
-void tst_ClientSettingsStore::cleanup()
+void ClientSettingsStoreTest::cleanup()
 {
     SoftwareUpdateClient::sSoftUpQSettingsFormat = QSettings::NativeFormat;
     SoftwareUpdateClient::sSoftUpQSettingsScope = QSettings::UserScope;
 }
 
-void tst_ClientSettingsStore::formatAndScopeAreTheHosts_data()
+void ClientSettingsStoreTest::formatAndScopeAreTheHosts_data()
 {
     QTest::addColumn<QSettings::Scope>("scope");
     QTest::newRow("user") << QSettings::UserScope;
     QTest::newRow("system") << QSettings::SystemScope;
 }
 
-void tst_ClientSettingsStore::formatAndScopeAreTheHosts()
+void ClientSettingsStoreTest::formatAndScopeAreTheHosts()
 {
     QFETCH(QSettings::Scope, scope);
     QCOMPARE(SoftwareUpdateClient::sSoftUpQSettingsFormat, QSettings::NativeFormat);
@@ -84,16 +111,16 @@ void tst_ClientSettingsStore::formatAndScopeAreTheHosts()
     QCOMPARE(ini.value("product").toString(), QStringLiteral("Fixture Product"));
 }
 
-void tst_ClientSettingsStore::noGroupIsLeftOpen()
+void ClientSettingsStoreTest::noGroupIsLeftOpen()
 {
     ClientFixture fixture;
-    fixture.start().setCurrentCameraVersions({qMakePair(QString("M15"), VersionNumber("1.5"))});
+    fixture.start().setCurrentCameraVersions({qMakePair(QString("Mini-12"), VersionNumber("1.5"))});
     for (const QString& key : storedKeys()) {
         QVERIFY2(!key.contains('/'), qPrintable(key));
     }
 }
 
-void tst_ClientSettingsStore::unwritableStoreIsNotNoticed()
+void ClientSettingsStoreTest::unwritableStoreIsNotNoticed()
 {
     QTemporaryDir folder;
     QFile occupied(folder.filePath("Fixture Works"));
@@ -107,12 +134,12 @@ void tst_ClientSettingsStore::unwritableStoreIsNotNoticed()
     QVERIFY(fixture.log.lines(3).isEmpty());
 }
 
-void tst_ClientSettingsStore::lettersOfVersionsStayAsTheyAre()
+void ClientSettingsStoreTest::lettersOfVersionsStayAsTheyAre()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
     const QString version = QString::fromUtf8("1.0ä");
-    const QString cameras = QString::fromUtf8("M15:1.5ä,M24:2.0ÿ");
+    const QString cameras = QString::fromUtf8("Mini-12:1.5ä,Dome-24:2.0ÿ");
     writeStored("versionNumber", version);
     writeStored("currentCameraVersions", cameras);
     for (int round = 0; round < 3; ++round) {
@@ -125,7 +152,7 @@ void tst_ClientSettingsStore::lettersOfVersionsStayAsTheyAre()
 }
 
 // Qt crashes when it writes such a time, and writes all of a file when one value of it changes.
-void tst_ClientSettingsStore::timesThatCannotBeWritten()
+void ClientSettingsStoreTest::timesThatCannotBeWritten()
 {
     QTemporaryDir folder;
     useIniFilesIn(folder, QSettings::UserScope);
@@ -138,27 +165,63 @@ void tst_ClientSettingsStore::timesThatCannotBeWritten()
         ini.setValue("others/text", "some text");
         ini.setValue("others/time", kept);
     }
-    QFile text(file);
-    QVERIFY(text.open(QIODevice::Append));
-    text.write("damaged=" + timeOfNoZone() + "\n[General]\nlastCheck=" + timeOfNoZone() + '\n');
-    text.close();
-    QCOMPARE(QSettings(file, QSettings::IniFormat).value("others/damaged").type(),
-             QVariant::DateTime);
+    append(file, "damaged=" + timeOfNoZone() + "\ndamaged\\below=healthy\nlist=first, " +
+                     timeOfNoZone() + ", last\n[General]\nlastCheck=" + timeOfNoZone() + '\n');
+    QCOMPARE(valueIn(file, "others/damaged").userType(), int(QMetaType::QDateTime));
 
     const SoftwareUpdateSettings record = client.record();
     QVERIFY(record.lastCheck.isNull());
     QCOMPARE(record.product, QStringLiteral("Fixture Product"));
-    QStringList keys = QSettings(file, QSettings::IniFormat).allKeys();
+    const QStringList keys = QSettings(file, QSettings::IniFormat).allKeys();
     client.store(record);
 
-    const QSettings after(file, QSettings::IniFormat);
-    QVERIFY(keys.removeOne("lastCheck"));
-    QVERIFY(keys.removeOne("others/damaged"));
-    QCOMPARE(after.allKeys(), keys);
-    QCOMPARE(after.value("others/text").toString(), QStringLiteral("some text"));
-    QCOMPARE(after.value("others/time").toDateTime(), kept);
-    QCOMPARE(after.value("product").toString(), QStringLiteral("Fixture Product"));
+    QCOMPARE(QSettings(file, QSettings::IniFormat).allKeys(), keys);
+    QVERIFY(valueIn(file, "lastCheck").toDateTime().isNull());
+    QVERIFY(valueIn(file, "others/damaged").toDateTime().isNull());
+    QCOMPARE(valueIn(file, "others/damaged/below").toString(), QStringLiteral("healthy"));
+    QCOMPARE(valueIn(file, "others/list").toList(),
+             QVariantList({QStringLiteral("first"), QDateTime(), QStringLiteral("last")}));
+    QCOMPARE(valueIn(file, "others/text").toString(), QStringLiteral("some text"));
+    QCOMPARE(valueIn(file, "others/time").toDateTime(), kept);
+    QCOMPARE(valueIn(file, "product").toString(), QStringLiteral("Fixture Product"));
 }
 
-VX_TEST_MAIN(tst_ClientSettingsStore)
+// They are not the client's, and nobody writes them here.
+void ClientSettingsStoreTest::timesOfOtherFilesStayAsTheyAre()
+{
+    QTemporaryDir folder;
+    useIniFilesIn(folder, QSettings::UserScope);
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    const QString file = iniFileIn(folder);
+    const QString fallback = fallbackFileIn(folder);
+    append(fallback, "damaged=" + timeOfNoZone() + "\nlastCheck=" + timeOfNoZone() + '\n');
+    const QByteArray before = contents(fallback);
+    const QStringList keys = QSettings(file, QSettings::IniFormat).allKeys();
+    QVERIFY(client.record().lastCheck.isNull());
+    client.store(client.record());
+
+    QCOMPARE(QSettings(file, QSettings::IniFormat).allKeys(), keys);
+    QCOMPARE(contents(fallback), before);
+}
+
+void ClientSettingsStoreTest::timeOfARecordThatCannotBeWritten()
+{
+    QTemporaryDir folder;
+    useIniFilesIn(folder, QSettings::UserScope);
+    ClientFixture fixture;
+    TestClient& client = fixture.start();
+    const QString source = folder.filePath("source.ini");
+    append(source, "time=" + timeOfNoZone() + '\n');
+
+    SoftwareUpdateSettings record = client.record();
+    record.lastCheck = QDateTime(QDate(2012, 3, 4), QTime(5, 6, 7));
+    client.store(record);
+    record.lastCheck = valueIn(source, "time").toDateTime();
+    QVERIFY(!record.lastCheck.isNull());
+    client.store(record);
+    QCOMPARE(client.record().lastCheck, QDateTime(QDate(2012, 3, 4), QTime(5, 6, 7)));
+}
+
+VX_TEST_MAIN(ClientSettingsStoreTest)
 #include "tst_ClientSettingsStore.moc"

@@ -15,7 +15,7 @@ using namespace vx::test;
 namespace {
 
 const QByteArray content(5000, 'x');
-const QString host = QStringLiteral("http://download.example");
+const QString host = QStringLiteral("http://download.example.com");
 const QString firstPath = QStringLiteral("/files/first.msi");
 const QString secondPath = QStringLiteral("/files/second.deb");
 const QString debLine =
@@ -53,7 +53,7 @@ void openTwo(InstallationFixture& fixture)
 } // namespace
 
 // What one installation leaves behind for the next, and what two at once do to each other.
-class tst_ClientSeveralInstallations : public QObject
+class ClientSeveralInstallationsTest : public QObject
 {
     Q_OBJECT
 
@@ -65,7 +65,7 @@ private slots:
     void secondDownloadRunsUnobserved();
 };
 
-void tst_ClientSeveralInstallations::sameRowAfterAFailure()
+void ClientSeveralInstallationsTest::sameRowAfterAFailure()
 {
     InstallationFixture fixture;
     openTwo(fixture);
@@ -79,7 +79,7 @@ void tst_ClientSeveralInstallations::sameRowAfterAFailure()
     QTRY_VERIFY(fixture.log.contains(1, debLine + fixture.downloadPath()));
 }
 
-void tst_ClientSeveralInstallations::anotherRowAfterAFailure()
+void ClientSeveralInstallationsTest::anotherRowAfterAFailure()
 {
     InstallationFixture fixture;
     fixture.serve(secondPath, content);
@@ -93,7 +93,7 @@ void tst_ClientSeveralInstallations::anotherRowAfterAFailure()
 }
 
 // The row counts from the click on, before the user has confirmed anything.
-void tst_ClientSeveralInstallations::refusingAnotherRowDuringADownload()
+void ClientSeveralInstallationsTest::refusingAnotherRowDuringADownload()
 {
     InstallationFixture fixture;
     HeldAnswers answers(fixture.server);
@@ -108,7 +108,7 @@ void tst_ClientSeveralInstallations::refusingAnotherRowDuringADownload()
     QVERIFY(fixture.log.contains(1, debLine + fixture.downloadPath()));
 }
 
-void tst_ClientSeveralInstallations::anotherRowDuringADownload()
+void ClientSeveralInstallationsTest::anotherRowDuringADownload()
 {
     InstallationFixture fixture;
     HeldAnswers answers(fixture.server);
@@ -129,7 +129,7 @@ void tst_ClientSeveralInstallations::anotherRowDuringADownload()
     QCOMPARE(fixture.log.lines(1).filter("trying to run").size(), 1);
 }
 
-void tst_ClientSeveralInstallations::secondDownloadRunsUnobserved()
+void ClientSeveralInstallationsTest::secondDownloadRunsUnobserved()
 {
     InstallationFixture fixture;
     ServedReply stalled;
@@ -152,5 +152,5 @@ void tst_ClientSeveralInstallations::secondDownloadRunsUnobserved()
     QVERIFY(!fixture.log.lines(1).join('\n').contains("trying to run"));
 }
 
-VX_TEST_MAIN(tst_ClientSeveralInstallations)
+VX_TEST_MAIN(ClientSeveralInstallationsTest)
 #include "tst_ClientSeveralInstallations.moc"

@@ -11,8 +11,8 @@
 #include "dialogs/SoftwareUpdateAvailableDialog.h"
 #include "dialogs/SoftwareUpdateDialog.h"
 #include "tests/client/InstallationFixture.h"
-#include "tests/host/FileFormatsZip/ZipBuilder.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/ZipBuilder.h"
 
 using namespace vx;
 using namespace vx::test;
@@ -35,7 +35,7 @@ public:
 
 // The catalogues name the class without its namespace, while it is looked up with it: the texts of
 // the client stay English, unless a host brings a translator for the full name.
-class tst_ClientTranslation : public QObject
+class ClientTranslationTest : public QObject
 {
     Q_OBJECT
 
@@ -62,7 +62,7 @@ private:
     std::unique_ptr<QTranslator> m_translator;
 };
 
-void tst_ClientTranslation::addTranslators()
+void ClientTranslationTest::addTranslators()
 {
     QTest::addColumn<QString>("translator");
     QTest::newRow("German catalogue") << ":/Translations/SoftwareUpdateClient_de.qm";
@@ -70,7 +70,7 @@ void tst_ClientTranslation::addTranslators()
     QTest::newRow("full class name") << "";
 }
 
-void tst_ClientTranslation::init()
+void ClientTranslationTest::init()
 {
     QFETCH(QString, translator);
     if (translator.isEmpty()) {
@@ -82,24 +82,24 @@ void tst_ClientTranslation::init()
     QCoreApplication::installTranslator(m_translator.get());
 }
 
-void tst_ClientTranslation::cleanup()
+void ClientTranslationTest::cleanup()
 {
     QCoreApplication::removeTranslator(m_translator.get());
     m_translator.reset();
 }
 
-QString tst_ClientTranslation::shown(const char* text) const
+QString ClientTranslationTest::shown(const char* text) const
 {
     const bool bracketed = dynamic_cast<const BracketTranslator*>(m_translator.get()) != nullptr;
     return bracketed ? '[' + QString::fromUtf8(text) + ']' : QString::fromUtf8(text);
 }
 
-void tst_ClientTranslation::notifications_data()
+void ClientTranslationTest::notifications_data()
 {
     addTranslators();
 }
 
-void tst_ClientTranslation::notifications()
+void ClientTranslationTest::notifications()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -121,12 +121,12 @@ void tst_ClientTranslation::notifications()
     QTRY_COMPARE(text->text(), shown("Timeout error! Update server unreachable!"));
 }
 
-void tst_ClientTranslation::table_data()
+void ClientTranslationTest::table_data()
 {
     addTranslators();
 }
 
-void tst_ClientTranslation::table()
+void ClientTranslationTest::table()
 {
     ClientFixture fixture;
     fixture.start();
@@ -147,15 +147,15 @@ void tst_ClientTranslation::table()
     QCOMPARE(comment.section('\n', 1, 1), shown("Published on %1").arg(date));
 }
 
-void tst_ClientTranslation::downloadAndItsFailure_data()
+void ClientTranslationTest::downloadAndItsFailure_data()
 {
     addTranslators();
 }
 
-void tst_ClientTranslation::downloadAndItsFailure()
+void ClientTranslationTest::downloadAndItsFailure()
 {
     InstallationFixture fixture;
-    fixture.openList({"http://download.example/files/m15.msi"}, 100);
+    fixture.openList({"http://download.example.com/files/mini-12.msi"}, 100);
     fixture.boxes.willClick(shown("Proceed"));
     clickInstall(0);
     QCOMPARE(progressDialog()->labelText(), shown("Downloading package to temporary folder..."));
@@ -170,12 +170,12 @@ void tst_ClientTranslation::downloadAndItsFailure()
              shown("Error downloading! Http status code %1").arg(404));
 }
 
-void tst_ClientTranslation::unknownType_data()
+void ClientTranslationTest::unknownType_data()
 {
     addTranslators();
 }
 
-void tst_ClientTranslation::unknownType()
+void ClientTranslationTest::unknownType()
 {
     ClientFixture fixture;
     fixture.start().call("downloadFinished");
@@ -185,17 +185,17 @@ void tst_ClientTranslation::unknownType()
              shown("Unknown package type! Installation cannot proceed!"));
 }
 
-void tst_ClientTranslation::restart_data()
+void ClientTranslationTest::restart_data()
 {
     addTranslators();
 }
 
-void tst_ClientTranslation::restart()
+void ClientTranslationTest::restart()
 {
     InstallationFixture fixture;
     const QByteArray archive = ZipBuilder{file("program")}.bytes();
-    fixture.serve("/files/m15.zip", archive);
-    fixture.openList({"http://download.example/files/m15.zip"}, archive.size());
+    fixture.serve("/files/mini-12.zip", archive);
+    fixture.openList({"http://download.example.com/files/mini-12.zip"}, archive.size());
     fixture.boxes.willClick(shown("Proceed"));
     fixture.boxes.willClick(shown("Restart now"));
     clickInstall(0);
@@ -210,7 +210,7 @@ void tst_ClientTranslation::restart()
              shown("Installation process failed. If problem persists try manual install."));
 }
 
-void tst_ClientTranslation::formsAreTranslated_data()
+void ClientTranslationTest::formsAreTranslated_data()
 {
     QTest::addColumn<QString>("translator");
     QTest::addColumn<QString>("title");
@@ -220,12 +220,12 @@ void tst_ClientTranslation::formsAreTranslated_data()
                             << QString::fromUtf8("Rechercher de nouveaux mises à jour");
 }
 
-void tst_ClientTranslation::formsAreTranslated()
+void ClientTranslationTest::formsAreTranslated()
 {
     ClientFixture fixture;
     fixture.start();
     QTEST(fixture.openSettingsDialog()->windowTitle(), "title");
 }
 
-VX_TEST_MAIN(tst_ClientTranslation)
+VX_TEST_MAIN(ClientTranslationTest)
 #include "tst_ClientTranslation.moc"

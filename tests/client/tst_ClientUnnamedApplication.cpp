@@ -18,8 +18,8 @@ QSettings store()
 
 } // namespace
 
-// An application that sets no names, and whose executable gives none either.
-class tst_ClientUnnamedApplication : public QObject
+// An application that sets no names, and whose executable has none either.
+class ClientUnnamedApplicationTest : public QObject
 {
     Q_OBJECT
 
@@ -31,7 +31,7 @@ private slots:
     void anyNameIsACandidate();
 };
 
-void tst_ClientUnnamedApplication::init()
+void ClientUnnamedApplicationTest::init()
 {
     QCoreApplication::setOrganizationName(QString());
     QCoreApplication::setApplicationName(QString());
@@ -40,35 +40,37 @@ void tst_ClientUnnamedApplication::init()
     store().clear();
 }
 
-void tst_ClientUnnamedApplication::storeHasItsOwnName()
+void ClientUnnamedApplicationTest::storeHasItsOwnName()
 {
-    TestClient client("Product", VersionNumber("1.0"), "http://default.example/", nullptr);
+    TestClient client("Product", VersionNumber("1.0"), "http://default.example.com/", nullptr);
     QCOMPARE(store().value("doUpdateCheck").toBool(), true);
     QCOMPARE(store().value("checkForBeta").toString(), QStringLiteral("false"));
     QCOMPARE(store().value("updateInterval").toString(), QStringLiteral("0"));
-    QCOMPARE(store().value("serverURL").toString(), QStringLiteral("http://default.example/"));
+    QCOMPARE(store().value("serverURL").toString(), QStringLiteral("http://default.example.com/"));
     QVERIFY(client.hourlyTimer()->isActive());
     QCOMPARE(client.hourlyTimer()->interval(), 3600000);
 }
 
-void tst_ClientUnnamedApplication::organizationAloneIsUsed()
+void ClientUnnamedApplicationTest::organizationAloneIsUsed()
 {
     QCoreApplication::setOrganizationName("Some Works");
-    const TestClient client("Product", VersionNumber("1.0"), "http://default.example/", nullptr);
+    const TestClient client("Product", VersionNumber("1.0"), "http://default.example.com/",
+                            nullptr);
     const QSettings named(QSettings::NativeFormat, QSettings::UserScope, "Some Works",
                           "softwareUpdate");
     QCOMPARE(named.value("product").toString(), QStringLiteral("Product"));
 }
 
-void tst_ClientUnnamedApplication::applicationAloneIsUsed()
+void ClientUnnamedApplicationTest::applicationAloneIsUsed()
 {
     QCoreApplication::setApplicationName("Some Program");
-    const TestClient client("Product", VersionNumber("1.0"), "http://default.example/", nullptr);
+    const TestClient client("Product", VersionNumber("1.0"), "http://default.example.com/",
+                            nullptr);
     const QSettings named(QSettings::NativeFormat, QSettings::UserScope, "Veldrix", "Some Program");
     QCOMPARE(named.value("product").toString(), QStringLiteral("Product"));
 }
 
-void tst_ClientUnnamedApplication::anyNameIsACandidate()
+void ClientUnnamedApplicationTest::anyNameIsACandidate()
 {
     ClientFixture fixture;
     init();
@@ -87,7 +89,7 @@ int main(int argc, char** argv)
     arguments[0] = noName;
     arguments.push_back(nullptr);
     return vx::test::runTest(argc, arguments.data(),
-                             []() -> QObject* { return new tst_ClientUnnamedApplication; });
+                             []() -> QObject* { return new ClientUnnamedApplicationTest; });
 }
 
 #include "tst_ClientUnnamedApplication.moc"

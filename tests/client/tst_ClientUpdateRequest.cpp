@@ -29,7 +29,7 @@ QList<PackageFields> nothingNew()
 
 } // namespace
 
-class tst_ClientUpdateRequest : public QObject
+class ClientUpdateRequestTest : public QObject
 {
     Q_OBJECT
 
@@ -44,6 +44,7 @@ private slots:
     void proxyOfTheNodeDatabase();
     void proxyWithPassword();
     void proxyIsAskedForEveryRequest();
+    void proxyIsAskedForOverlappingRequests();
     void systemProxyIsNotUsed();
     void proxyObjects();
     void addressStandsInTheLogAsItIs();
@@ -54,7 +55,7 @@ private slots:
     void statusToRequire();
 };
 
-void tst_ClientUpdateRequest::asksForTheAddressAsItStands_data()
+void ClientUpdateRequestTest::asksForTheAddressAsItStands_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QByteArray>("target");
@@ -65,7 +66,7 @@ void tst_ClientUpdateRequest::asksForTheAddressAsItStands_data()
     QTest::newRow("no path at all") << "" << QByteArray("/");
 }
 
-void tst_ClientUpdateRequest::asksForTheAddressAsItStands()
+void ClientUpdateRequestTest::asksForTheAddressAsItStands()
 {
     QFETCH(QString, path);
     ClientFixture fixture;
@@ -78,7 +79,7 @@ void tst_ClientUpdateRequest::asksForTheAddressAsItStands()
     QTEST(fixture.server.requests().first().target, "target");
 }
 
-void tst_ClientUpdateRequest::sendsAContentTypeAndNoBody()
+void ClientUpdateRequestTest::sendsAContentTypeAndNoBody()
 {
     ClientFixture fixture;
     fixture.start();
@@ -89,7 +90,7 @@ void tst_ClientUpdateRequest::sendsAContentTypeAndNoBody()
     QVERIFY(fixture.log.contains(1, performed + fixture.server.url().toString()));
 }
 
-void tst_ClientUpdateRequest::addressOfTheDialogCounts()
+void ClientUpdateRequestTest::addressOfTheDialogCounts()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -103,7 +104,7 @@ void tst_ClientUpdateRequest::addressOfTheDialogCounts()
     QCOMPARE(client.record().serverURL, fixture.server.url("/saved").toString());
 }
 
-void tst_ClientUpdateRequest::dialogChecksEvenWhenCheckingIsOff()
+void ClientUpdateRequestTest::dialogChecksEvenWhenCheckingIsOff()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -115,17 +116,17 @@ void tst_ClientUpdateRequest::dialogChecksEvenWhenCheckingIsOff()
     QCOMPARE(client.record().doUpdateCheck, false);
 }
 
-void tst_ClientUpdateRequest::emptyAddressEndsInAnError()
+void ClientUpdateRequestTest::emptyAddressEndsInAnError()
 {
     ClientFixture fixture;
     writeStored("serverURL", "");
     fixture.start();
     QVERIFY(fixture.check());
-    QCOMPARE(fixture.log.lines(3).size(), 1);
+    QCOMPARE(fixture.log.lines(3).size(), 2); // the reason and the time-out
     QVERIFY(fixture.server.requests().isEmpty());
 }
 
-void tst_ClientUpdateRequest::noProxyByDefault()
+void ClientUpdateRequestTest::noProxyByDefault()
 {
     ClientFixture fixture;
     fixture.start();
@@ -133,17 +134,17 @@ void tst_ClientUpdateRequest::noProxyByDefault()
     QCOMPARE(fixture.server.requests().first().target, QByteArray("/"));
 }
 
-void tst_ClientUpdateRequest::proxyOfTheNodeDatabase()
+void ClientUpdateRequestTest::proxyOfTheNodeDatabase()
 {
     ClientFixture fixture;
     fixture.startBehindProxy();
     QVERIFY(fixture.check());
     QCOMPARE(fixture.server.requests().size(), 1);
-    QCOMPARE(fixture.server.requests().first().target, QByteArray("http://update.example/"));
-    QCOMPARE(fixture.server.requests().first().host, QByteArray("update.example"));
+    QCOMPARE(fixture.server.requests().first().target, QByteArray("http://update.example.com/"));
+    QCOMPARE(fixture.server.requests().first().host, QByteArray("update.example.com"));
 }
 
-void tst_ClientUpdateRequest::proxyWithPassword()
+void ClientUpdateRequestTest::proxyWithPassword()
 {
     ClientFixture fixture;
     fixture.startBehindProxy();
@@ -159,10 +160,10 @@ void tst_ClientUpdateRequest::proxyWithPassword()
     fixture.log.clear();
     QVERIFY(fixture.check());
     QVERIFY(!fixture.log.contains(1, upToDate));
-    QCOMPARE(fixture.log.lines(3).size(), 1);
+    QCOMPARE(fixture.log.lines(3).size(), 2); // the reason and the time-out
 }
 
-void tst_ClientUpdateRequest::proxyIsAskedForEveryRequest()
+void ClientUpdateRequestTest::proxyIsAskedForEveryRequest()
 {
     ClientFixture fixture;
     fixture.startBehindProxy();
@@ -174,7 +175,25 @@ void tst_ClientUpdateRequest::proxyIsAskedForEveryRequest()
     QCOMPARE(fixture.server.requests().last().target, QByteArray("/"));
 }
 
-void tst_ClientUpdateRequest::systemProxyIsNotUsed()
+// Both go out by the same manager, which must not keep the proxy of the first.
+void ClientUpdateRequestTest::proxyIsAskedForOverlappingRequests()
+{
+    ClientFixture fixture;
+    TestClient& client = fixture.startBehindProxy();
+    ServedReply silent;
+    silent.fault = ServedReply::Silent;
+    fixture.server.setReply("/", silent);
+    client.checkForUpdate();
+    QTRY_COMPARE(fixture.server.requests().size(), 1);
+    NodeDB::getDB().setGlobalProxy(NetworkProxy());
+    writeStored("serverURL", fixture.server.url().toString());
+    client.checkForUpdate();
+    QTRY_COMPARE(fixture.server.requests().size(), 2);
+    QCOMPARE(fixture.server.requests().first().target, QByteArray("http://update.example.com/"));
+    QCOMPARE(fixture.server.requests().last().target, QByteArray("/"));
+}
+
+void ClientUpdateRequestTest::systemProxyIsNotUsed()
 {
     ClientFixture fixture;
     fixture.start();
@@ -187,7 +206,7 @@ void tst_ClientUpdateRequest::systemProxyIsNotUsed()
     QCOMPARE(fixture.server.requests().size(), 1);
 }
 
-void tst_ClientUpdateRequest::proxyObjects()
+void ClientUpdateRequestTest::proxyObjects()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -198,19 +217,20 @@ void tst_ClientUpdateRequest::proxyObjects()
     QVERIFY(none.user().isNull());
     QVERIFY(none.password().isNull());
 
-    NodeDB::getDB().setGlobalProxy(NetworkProxy(true, "proxy.example", 3128, "user", "secret"));
+    NodeDB::getDB().setGlobalProxy(NetworkProxy(true, "proxy.example.com", 3128, "user", "secret"));
     const QNetworkProxy proxy = client.networkProxy();
     QCOMPARE(proxy.type(), QNetworkProxy::HttpProxy);
-    QCOMPARE(proxy.hostName(), QStringLiteral("proxy.example"));
+    QCOMPARE(proxy.hostName(), QStringLiteral("proxy.example.com"));
     QCOMPARE(proxy.port(), quint16(3128));
     QCOMPARE(proxy.user(), QStringLiteral("user"));
     QCOMPARE(proxy.password(), QStringLiteral("secret"));
 
-    NodeDB::getDB().setGlobalProxy(NetworkProxy(false, "proxy.example", 3128, "user", "secret"));
+    NodeDB::getDB().setGlobalProxy(
+        NetworkProxy(false, "proxy.example.com", 3128, "user", "secret"));
     QCOMPARE(client.networkProxy(), none);
 }
 
-void tst_ClientUpdateRequest::addressStandsInTheLogAsItIs()
+void ClientUpdateRequestTest::addressStandsInTheLogAsItIs()
 {
     ClientFixture fixture;
     fixture.start();
@@ -222,7 +242,7 @@ void tst_ClientUpdateRequest::addressStandsInTheLogAsItIs()
                                         address.toString()));
 }
 
-void tst_ClientUpdateRequest::oneTimerServesAllChecks()
+void ClientUpdateRequestTest::oneTimerServesAllChecks()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -236,10 +256,12 @@ void tst_ClientUpdateRequest::oneTimerServesAllChecks()
     QVERIFY(timer->isActive());
     QVERIFY(timer->isSingleShot());
     QCOMPARE(timer->interval(), 15000);
+    QCOMPARE(timer->timerType(), Qt::PreciseTimer);
+    QCOMPARE(client.hourlyTimer()->timerType(), Qt::CoarseTimer);
     QCOMPARE(client.findChildren<QTimer*>().size(), 2);
 }
 
-void tst_ClientUpdateRequest::timeIsStoredBeforeTheOutcome()
+void ClientUpdateRequestTest::timeIsStoredBeforeTheOutcome()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -251,7 +273,7 @@ void tst_ClientUpdateRequest::timeIsStoredBeforeTheOutcome()
     QVERIFY(client.requestTimer()->isActive());
 }
 
-void tst_ClientUpdateRequest::secondCheckDuringTheFirst()
+void ClientUpdateRequestTest::secondCheckDuringTheFirst()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -275,7 +297,7 @@ void tst_ClientUpdateRequest::secondCheckDuringTheFirst()
     QVERIFY(!client.requestTimer()->isActive());
 }
 
-void tst_ClientUpdateRequest::bothRepliesAtOnce()
+void ClientUpdateRequestTest::bothRepliesAtOnce()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -294,7 +316,7 @@ void tst_ClientUpdateRequest::bothRepliesAtOnce()
     QCOMPARE(fixture.log.count(1, upToDate), 1);
 }
 
-void tst_ClientUpdateRequest::statusToRequire()
+void ClientUpdateRequestTest::statusToRequire()
 {
     ClientFixture fixture;
     TestClient& client = fixture.start();
@@ -302,5 +324,5 @@ void tst_ClientUpdateRequest::statusToRequire()
     QCOMPARE(client.transformReleaseStatus(false), QStringLiteral("STABLE"));
 }
 
-VX_TEST_MAIN(tst_ClientUpdateRequest)
+VX_TEST_MAIN(ClientUpdateRequestTest)
 #include "tst_ClientUpdateRequest.moc"

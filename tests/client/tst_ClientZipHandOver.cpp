@@ -34,7 +34,7 @@ QByteArray contentOf(const QString& path)
 
 // The hand-over replaces the process, so that it happens in a host application of its own, which is
 // installed in a private folder with a helper that writes down how it was called.
-class tst_ClientZipHandOver : public QObject
+class ClientZipHandOverTest : public QObject
 {
     Q_OBJECT
 
@@ -61,7 +61,7 @@ private:
     qint64 m_processId = 0;
 };
 
-void tst_ClientZipHandOver::installHost(const QString& parentName)
+void ClientZipHandOverTest::installHost(const QString& parentName)
 {
     m_folder = std::make_unique<QTemporaryDir>();
     const QString parent = m_folder->filePath(parentName);
@@ -72,12 +72,12 @@ void tst_ClientZipHandOver::installHost(const QString& parentName)
                         m_installed + "/The Program"));
 }
 
-void tst_ClientZipHandOver::installHelper(const QString& path)
+void ClientZipHandOverTest::installHelper(const QString& path)
 {
     QVERIFY(QFile::copy(QCoreApplication::applicationDirPath() + "/ArgumentRecorder", path));
 }
 
-QStringList tst_ClientZipHandOver::run(const QString& mode)
+QStringList ClientZipHandOverTest::run(const QString& mode)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("ARGUMENTS_FILE", m_folder->filePath("arguments"));
@@ -95,7 +95,7 @@ QStringList tst_ClientZipHandOver::run(const QString& mode)
     return good ? lines : lines << "the host failed";
 }
 
-QStringList tst_ClientZipHandOver::recordedArguments() const
+QStringList ClientZipHandOverTest::recordedArguments() const
 {
     QStringList arguments;
     const QByteArrayList parts = contentOf(m_folder->filePath("arguments")).split('\0');
@@ -105,27 +105,27 @@ QStringList tst_ClientZipHandOver::recordedArguments() const
     return arguments;
 }
 
-QString tst_ClientZipHandOver::startLine() const
+QString ClientZipHandOverTest::startLine() const
 {
     return "1 SoftwareUpdateClient::startInstallZip() -> starting zip installation application " +
            m_target + " -> removing " + m_installed + ", renaming   to " + m_installed +
            " and restarting " + m_installed + "/The Program";
 }
 
-QString tst_ClientZipHandOver::copyLine() const
+QString ClientZipHandOverTest::copyLine() const
 {
     return "3 SoftwareUpdateClient::startInstallApplication() -> could not copy file to " +
            m_target;
 }
 
-QString tst_ClientZipHandOver::missingLine(const QString& folder) const
+QString ClientZipHandOverTest::missingLine(const QString& folder) const
 {
     return "3 SoftwareUpdateClient::startInstallApplication() -> one of the following file/dir is "
            "missing: " +
            m_installed + "/UpdateInstaller or " + folder;
 }
 
-void tst_ClientZipHandOver::helperReplacesTheProcess_data()
+void ClientZipHandOverTest::helperReplacesTheProcess_data()
 {
     QTest::addColumn<QString>("mode");
     QTest::addColumn<QString>("parentName");
@@ -136,7 +136,7 @@ void tst_ClientZipHandOver::helperReplacesTheProcess_data()
                                                << "parent";
 }
 
-void tst_ClientZipHandOver::helperReplacesTheProcess()
+void ClientZipHandOverTest::helperReplacesTheProcess()
 {
     QFETCH(QString, mode);
     QFETCH(QString, parentName);
@@ -157,7 +157,7 @@ void tst_ClientZipHandOver::helperReplacesTheProcess()
     QVERIFY(QFileInfo(m_target).isExecutable());
 }
 
-void tst_ClientZipHandOver::helperThatIsThereIsUsedAsItStands()
+void ClientZipHandOverTest::helperThatIsThereIsUsedAsItStands()
 {
     installHost("parent");
     installHelper(m_target);
@@ -171,7 +171,7 @@ void tst_ClientZipHandOver::helperThatIsThereIsUsedAsItStands()
     QVERIFY(contentOf(m_target) == before);
 }
 
-void tst_ClientZipHandOver::helperMissing()
+void ClientZipHandOverTest::helperMissing()
 {
     installHost("parent");
     const QStringList expected{missingLine(m_installed), failureBox};
@@ -179,7 +179,7 @@ void tst_ClientZipHandOver::helperMissing()
     QVERIFY(!QFile::exists(m_target));
 }
 
-void tst_ClientZipHandOver::parentWithoutRights()
+void ClientZipHandOverTest::parentWithoutRights()
 {
     installHost("parent");
     installHelper(m_installed + "/UpdateInstaller");
@@ -193,7 +193,7 @@ void tst_ClientZipHandOver::parentWithoutRights()
     QVERIFY(!QFile::exists(m_folder->filePath("arguments")));
 }
 
-void tst_ClientZipHandOver::helperThatCannotBeRun()
+void ClientZipHandOverTest::helperThatCannotBeRun()
 {
     installHost("parent");
     installHelper(m_installed + "/UpdateInstaller");
@@ -206,5 +206,5 @@ void tst_ClientZipHandOver::helperThatCannotBeRun()
     QCOMPARE(recognised(run("start"), expected), expected);
 }
 
-VX_TEST_MAIN(tst_ClientZipHandOver)
+VX_TEST_MAIN(ClientZipHandOverTest)
 #include "tst_ClientZipHandOver.moc"

@@ -10,7 +10,7 @@ namespace {
 // Enumerations and flags arrive as their own types and are written down as numbers.
 bool same(const QVariant& actual, const QVariant& expected)
 {
-    if (expected.type() == QVariant::Int) {
+    if (expected.userType() == QMetaType::Int) {
         return actual.isValid() && actual.toInt() == expected.toInt();
     }
     if (expected.canConvert<QSizePolicy>()) {

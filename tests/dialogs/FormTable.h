@@ -10,7 +10,7 @@
 
 namespace vx::test {
 
-/** What a form gives one of its objects: properties by name, in the words of Qt. */
+/** What a form sets of one of its objects: properties by name, in the words of Qt. */
 using Properties = std::vector<std::pair<const char*, QVariant>>;
 
 /** One named object of a form. */

@@ -33,7 +33,7 @@ ChildEnd runProgram(const QString& program, const QStringList& arguments, const 
 /**
  * Runs this test program again as a child, to see what becomes of a process that is replaced.
  *
- * @param arguments what childArguments() gives in the child.
+ * @param arguments what childArguments() returns in the child.
  */
 ChildEnd runChild(const QStringList& arguments, const QString& folder,
                   const QMap<QString, QString>& variables = {});

@@ -12,7 +12,7 @@ class EngineOwner : public QObject
     Q_OBJECT
 
 public:
-    /** Takes over @p owned, to let it go when it raises @p signal (as SIGNAL gives it). */
+    /** Takes over @p owned, to let it go when it raises @p signal (as SIGNAL writes it). */
     EngineOwner(DownloadManager* owned, const char* signal)
         : engine(owned)
     {

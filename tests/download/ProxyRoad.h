@@ -32,7 +32,7 @@ public:
                     qint64 bytes);
 
     /** The address of an update server that is reached on this road. */
-    static QUrl updateServer() { return QUrl(QStringLiteral("http://updates.example/")); }
+    static QUrl updateServer() { return QUrl(QStringLiteral("http://updates.example.com/")); }
 };
 
 /** A package called "camera", of @p size bytes, to be had at @p url. */

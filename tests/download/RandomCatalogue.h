@@ -19,7 +19,7 @@ class RandomCatalogue
 public:
     explicit RandomCatalogue(quint32 seed);
 
-    /** One document. Further calls give further ones. */
+    /** One document. Further calls return further ones. */
     QByteArray document();
 
     /** A number from 0 to @p bound less one. */

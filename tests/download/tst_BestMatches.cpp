@@ -40,7 +40,7 @@ QStringList winners(const PackageInfoList& all, const PackageInfo& filter = Pack
 
 } // namespace
 
-class tst_BestMatches : public QObject
+class BestMatchesTest : public QObject
 {
     Q_OBJECT
 
@@ -52,7 +52,7 @@ private slots:
     void givesCopies();
 };
 
-void tst_BestMatches::winner_data()
+void BestMatchesTest::winner_data()
 {
     QTest::addColumn<PackageInfoList>("all");
     QTest::addColumn<QStringList>("names");
@@ -81,16 +81,21 @@ void tst_BestMatches::winner_data()
     PackageInfo otherType = package("b", "1");
     otherType.type = "other";
     add("each type", {package("a", "2"), otherType}, {"a", "b"});
+    PackageInfo shortType = package("a", "2", {"BC"});
+    shortType.type = "A";
+    PackageInfo longType = package("b", "1", {"C"});
+    longType.type = "AB";
+    add("type and platform that read alike together", {shortType, longType}, {"a", "b"});
 }
 
-void tst_BestMatches::winner()
+void BestMatchesTest::winner()
 {
     QFETCH(PackageInfoList, all);
     QFETCH(QStringList, names);
     QCOMPARE(winners(all), names);
 }
 
-void tst_BestMatches::filterHasItsSay()
+void BestMatchesTest::filterHasItsSay()
 {
     const PackageInfoList all = {package("a", "1"), package("b", "2")};
     QCOMPARE(winners(all, PackageInfo("", "", "1")), QStringList({"b"}));
@@ -98,13 +103,13 @@ void tst_BestMatches::filterHasItsSay()
     QCOMPARE(winners(all, PackageInfo("", "", "", "B")), QStringList());
 }
 
-void tst_BestMatches::filterTypeNameAndPlatformPlayNoPart()
+void BestMatchesTest::filterTypeNameAndPlatformPlayNoPart()
 {
     const PackageInfo filter("x", "x", "", "", QDateTime(), {"x"});
     QCOMPARE(winners({package("a", "1")}, filter), QStringList({"a"}));
 }
 
-void tst_BestMatches::givesCopies()
+void BestMatchesTest::givesCopies()
 {
     const CatalogueProbe probe;
     PackageInfoList all = {package("a", "1")};
@@ -113,5 +118,5 @@ void tst_BestMatches::givesCopies()
     QCOMPARE(best.first().name, QString("a"));
 }
 
-VX_TEST_MAIN(tst_BestMatches)
+VX_TEST_MAIN(BestMatchesTest)
 #include "tst_BestMatches.moc"

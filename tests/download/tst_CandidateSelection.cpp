@@ -1,4 +1,4 @@
-#include "download/CandidateSelection.h"
+#include "download/internal/CandidateSelection.h"
 
 #include <QtTest>
 
@@ -43,7 +43,7 @@ QStringList typesOf(const PackageInfoList& packages)
 
 } // namespace
 
-class tst_CandidateSelection : public QObject
+class CandidateSelectionTest : public QObject
 {
     Q_OBJECT
 
@@ -64,7 +64,7 @@ private slots:
     void countsNew();
 };
 
-void tst_CandidateSelection::keepsTheHighestReleaseInOrder()
+void CandidateSelectionTest::keepsTheHighestReleaseInOrder()
 {
     PackageInfoList all = {package("a", "4.9"), package("b", "4.10"), package("c", "4.2"),
                            package("d", "4.10"), package("e", "4.10")};
@@ -74,7 +74,7 @@ void tst_CandidateSelection::keepsTheHighestReleaseInOrder()
     QCOMPARE(typesOf(found), QStringList({"Tag", "Tag", "Tag"}));
 }
 
-void tst_CandidateSelection::tagsEveryAcceptedPackage()
+void CandidateSelectionTest::tagsEveryAcceptedPackage()
 {
     PackageInfoList all = {package("old", "1.0"), package("newer", "3.0"),
                            package("newest", "4.0")};
@@ -83,7 +83,7 @@ void tst_CandidateSelection::tagsEveryAcceptedPackage()
     QCOMPARE(typesOf(all), QStringList({"catalogue's type", "Tag", "Tag"}));
 }
 
-void tst_CandidateSelection::laterCallsOverwriteTags()
+void CandidateSelectionTest::laterCallsOverwriteTags()
 {
     PackageInfoList all = {package("a", "2.0")};
     const PackageInfoList camera =
@@ -95,7 +95,7 @@ void tst_CandidateSelection::laterCallsOverwriteTags()
     QCOMPARE(typesOf(application), QStringList({"Application"}));
 }
 
-void tst_CandidateSelection::nothingAcceptedChangesNothing()
+void CandidateSelectionTest::nothingAcceptedChangesNothing()
 {
     PackageInfoList all = {package("a", "1.0"), package("b", "2.0")};
     QVERIFY(DownloadManager::findPackageCandidates(all, PackageInfo("", "", "2.0"), "Tag", {})
@@ -105,7 +105,7 @@ void tst_CandidateSelection::nothingAcceptedChangesNothing()
     QVERIFY(DownloadManager::findPackageCandidates(none, PackageInfo(), "Tag", {}).isEmpty());
 }
 
-void tst_CandidateSelection::doesNotTouchASharedList()
+void CandidateSelectionTest::doesNotTouchASharedList()
 {
     PackageInfoList all = {package("a", "1.0")};
     const PackageInfoList shared = all;
@@ -114,7 +114,7 @@ void tst_CandidateSelection::doesNotTouchASharedList()
     QCOMPARE(typesOf(all), QStringList({"Tag"}));
 }
 
-void tst_CandidateSelection::highestRelease_data()
+void CandidateSelectionTest::highestRelease_data()
 {
     QTest::addColumn<QStringList>("releases");
     QTest::addColumn<QString>("highest");
@@ -132,7 +132,7 @@ void tst_CandidateSelection::highestRelease_data()
     add("unreadable among others", {"none", "1"}, "1", 1);
 }
 
-void tst_CandidateSelection::highestRelease()
+void CandidateSelectionTest::highestRelease()
 {
     QFETCH(QStringList, releases);
     QFETCH(QString, highest);
@@ -150,7 +150,7 @@ void tst_CandidateSelection::highestRelease()
     }
 }
 
-void tst_CandidateSelection::keepsEqualTextsOnly()
+void CandidateSelectionTest::keepsEqualTextsOnly()
 {
     PackageInfoList candidates = {package("a", "2.0"), package("b", "2.00"), package("c", "2.0")};
     CandidateSelection::keepRelease(candidates, "2.0");
@@ -159,7 +159,7 @@ void tst_CandidateSelection::keepsEqualTextsOnly()
     QVERIFY(candidates.isEmpty());
 }
 
-void tst_CandidateSelection::releaseNought()
+void CandidateSelectionTest::releaseNought()
 {
     PackageInfoList all = {package("a", "0"), package("b", "0.0"), package("c", "")};
     QCOMPARE(namesOf(DownloadManager::findPackageCandidates(all, PackageInfo(), "Tag", {})),
@@ -167,7 +167,7 @@ void tst_CandidateSelection::releaseNought()
     QCOMPARE(typesOf(all), QStringList({"Tag", "Tag", "Tag"}));
 }
 
-void tst_CandidateSelection::allowedFileTypes()
+void CandidateSelectionTest::allowedFileTypes()
 {
     PackageInfoList all = {package("a", "2.0"), package("b", "3.0")};
     all[0].packageType = "mpkg";
@@ -177,7 +177,7 @@ void tst_CandidateSelection::allowedFileTypes()
     QCOMPARE(typesOf(all), QStringList({"Tag", "catalogue's type"}));
 }
 
-void tst_CandidateSelection::stepsMakeTheWhole()
+void CandidateSelectionTest::stepsMakeTheWhole()
 {
     const PackageInfoList catalogue = {package("a", "2.0"), package("b", "3.0"),
                                        package("c", "1.0"), package("d", "3.0")};
@@ -194,7 +194,7 @@ void tst_CandidateSelection::stepsMakeTheWhole()
     QCOMPARE(typesOf(atOnce), typesOf(inSteps));
 }
 
-void tst_CandidateSelection::eliminateDuplicates_data()
+void CandidateSelectionTest::eliminateDuplicates_data()
 {
     QTest::addColumn<PackageInfoList>("list");
     QTest::addColumn<QStringList>("kept");
@@ -214,14 +214,14 @@ void tst_CandidateSelection::eliminateDuplicates_data()
     add("without date and size", {sized("a", QDateTime(), 0), sized("b", QDateTime(), 0)}, {"a"});
 }
 
-void tst_CandidateSelection::eliminateDuplicates()
+void CandidateSelectionTest::eliminateDuplicates()
 {
     QFETCH(PackageInfoList, list);
     DownloadManager::eliminateDuplicatePackages(list);
     QTEST(namesOf(list), "kept");
 }
 
-void tst_CandidateSelection::countsNew()
+void CandidateSelectionTest::countsNew()
 {
     QCOMPARE(DownloadManager::countNew({}), 0);
     PackageInfoList list = {package("a", "1"), package("b", "1"), package("c", "1")};
@@ -231,5 +231,5 @@ void tst_CandidateSelection::countsNew()
     QCOMPARE(DownloadManager::countNew(list), 2);
 }
 
-VX_TEST_MAIN(tst_CandidateSelection)
+VX_TEST_MAIN(CandidateSelectionTest)
 #include "tst_CandidateSelection.moc"

@@ -1,7 +1,7 @@
 #include <QtTest>
 #include <QtXml/QDomDocument>
 
-#include "download/ReadingBudget.h"
+#include "download/internal/catalogue/ReadingBudget.h"
 #include "host/FileFormatsXml/XmlUtils.h"
 #include "tests/download/CatalogueProbe.h"
 #include "tests/support/LogCapture.h"
@@ -34,9 +34,19 @@ QByteArray words(int count)
     return list;
 }
 
+/** Packages that inherit so many words, each with one more of its own. */
+QByteArray manyWords(int inherited, int packages)
+{
+    QByteArray own;
+    for (int i = 0; i < packages; ++i) {
+        own += "<package platform='own" + QByteArray::number(i) + "'/>";
+    }
+    return "<softwareList><platform>" + words(inherited) + "</platform>" + own + "</softwareList>";
+}
+
 } // namespace
 
-class tst_CatalogueBounds : public QObject
+class CatalogueBoundsTest : public QObject
 {
     Q_OBJECT
 
@@ -46,12 +56,16 @@ private slots:
     void readsWhatAHostBuiltWithoutLimit();
     void sharesSingleValues();
     void sharesWordsOfSets();
+    void sharesWordsThatPackagesAdd_data();
+    void sharesWordsThatPackagesAdd();
+    void readsManyWordsOfTheirOwn();
+    void refusesTooManyWordsOfTheirOwn();
     void readsManyUrlsWithoutLanguage();
     void readsManyFieldsBesideManyPackages();
     void readsDeepNesting();
 };
 
-void tst_CatalogueBounds::refusesWhatInheritsTooMuch_data()
+void CatalogueBoundsTest::refusesWhatInheritsTooMuch_data()
 {
     QTest::addColumn<QByteArray>("fields");
     QTest::addColumn<QByteArray>("package");
@@ -67,12 +81,9 @@ void tst_CatalogueBounds::refusesWhatInheritsTooMuch_data()
         << tooManyOf(million);
     QTest::newRow("notes") << QByteArray("<readme/>").repeated(10000) << QByteArray("<package/>")
                            << tooManyOf(10000 * int(ReadingBudget::entry));
-    QTest::newRow("words") << "<platform>" + words(20000) + "</platform>"
-                           << QByteArray("<package platform='own'/>")
-                           << tooManyOf(20000 * int(ReadingBudget::entry));
 }
 
-void tst_CatalogueBounds::refusesWhatInheritsTooMuch()
+void CatalogueBoundsTest::refusesWhatInheritsTooMuch()
 {
     QFETCH(QByteArray, fields);
     QFETCH(QByteArray, package);
@@ -85,7 +96,7 @@ void tst_CatalogueBounds::refusesWhatInheritsTooMuch()
 }
 
 // A document that is there already has its memory; only what comes from outside is bounded.
-void tst_CatalogueBounds::readsWhatAHostBuiltWithoutLimit()
+void CatalogueBoundsTest::readsWhatAHostBuiltWithoutLimit()
 {
     QDomDocument document;
     QVERIFY(document.setContent(catalogue("<platform>" + words(20000) + "</platform>", 300,
@@ -99,7 +110,7 @@ void tst_CatalogueBounds::readsWhatAHostBuiltWithoutLimit()
     }
 }
 
-void tst_CatalogueBounds::sharesSingleValues()
+void CatalogueBoundsTest::sharesSingleValues()
 {
     const QByteArray comment = "<comment>" + QByteArray(million, 'c') + "</comment>";
     const PackageInfoList packages = parseText(catalogue(comment, 5000, "<package url='a.zip'/>"));
@@ -109,7 +120,7 @@ void tst_CatalogueBounds::sharesSingleValues()
     QCOMPARE(packages.last().comment.constData(), packages.first().comment.constData());
 }
 
-void tst_CatalogueBounds::sharesWordsOfSets()
+void CatalogueBoundsTest::sharesWordsOfSets()
 {
     const QByteArray platforms = "<platform>" + words(20000) + "</platform>";
     const PackageInfoList packages =
@@ -121,7 +132,48 @@ void tst_CatalogueBounds::sharesWordsOfSets()
     QCOMPARE(&*last, &*first);
 }
 
-void tst_CatalogueBounds::readsManyUrlsWithoutLanguage()
+void CatalogueBoundsTest::sharesWordsThatPackagesAdd_data()
+{
+    QTest::addColumn<QByteArray>("package");
+    QTest::newRow("attribute") << QByteArray("<package platform='own'/>");
+    QTest::newRow("element") << QByteArray("<package><platform>own</platform></package>");
+    QTest::newRow("on the file") << QByteArray("<package><file platform='own'/></package>");
+    QTest::newRow("several") << QByteArray(
+        "<package platform='own'><platform>other</platform><platform>another</platform></package>");
+}
+
+void CatalogueBoundsTest::sharesWordsThatPackagesAdd()
+{
+    QFETCH(QByteArray, package);
+    const QByteArray set = "<package-set>" + package.repeated(2500) + "</package-set>";
+    const PackageInfoList packages =
+        parseText(catalogue("<platform>" + words(20000) + "</platform>" + set, 2500, package));
+    QCOMPARE(packages.size(), 5000);
+    QVERIFY(packages.first().platforms.contains("own"));
+    QVERIFY(packages.first().platforms.contains("19999"));
+    // Copies of it would take gigabytes.
+    QCOMPARE(&*packages.last().platforms.constFind("1"),
+             &*packages.first().platforms.constFind("1"));
+}
+
+void CatalogueBoundsTest::readsManyWordsOfTheirOwn()
+{
+    const PackageInfoList packages = parseText(manyWords(300, 14000));
+    QCOMPARE(packages.size(), 14000);
+    QCOMPARE(packages.last().platforms.size(), 301);
+}
+
+void CatalogueBoundsTest::refusesTooManyWordsOfTheirOwn()
+{
+    const int tooMany = tooManyOf(20000 * int(ReadingBudget::entry));
+    LogCapture log;
+    QCOMPARE(parseText(manyWords(20000, 3)).size(), 3);
+    QCOMPARE(log.count(2, "XML parser error"), 0);
+    QVERIFY(parseText(manyWords(20000, tooMany)).isEmpty());
+    QCOMPARE(log.count(2, "XML parser error"), 1);
+}
+
+void CatalogueBoundsTest::readsManyUrlsWithoutLanguage()
 {
     const PackageInfoList packages =
         parseText("<softwareList><package>" + QByteArray("<readme/>").repeated(50000) +
@@ -130,7 +182,7 @@ void tst_CatalogueBounds::readsManyUrlsWithoutLanguage()
     QCOMPARE(packages.first().readme.lastKey(), QString("de"));
 }
 
-void tst_CatalogueBounds::readsManyFieldsBesideManyPackages()
+void CatalogueBoundsTest::readsManyFieldsBesideManyPackages()
 {
     const QByteArray fields = QByteArray("<x/><name>n</name>").repeated(20000);
     const PackageInfoList packages = parseText(catalogue(fields, 20000, "<package url='a.zip'/>"));
@@ -138,7 +190,7 @@ void tst_CatalogueBounds::readsManyFieldsBesideManyPackages()
     QCOMPARE(packages.last().name, QString("n"));
 }
 
-void tst_CatalogueBounds::readsDeepNesting()
+void CatalogueBoundsTest::readsDeepNesting()
 {
     constexpr int depth = XmlUtils::maximumDepth - 2; // without the root and the innermost package
     const QByteArray set = "<package-set><package url='a.zip'/>";
@@ -155,5 +207,5 @@ void tst_CatalogueBounds::readsDeepNesting()
     QCOMPARE(log.count(2, "XML parser error"), 1);
 }
 
-VX_TEST_MAIN(tst_CatalogueBounds)
+VX_TEST_MAIN(CatalogueBoundsTest)
 #include "tst_CatalogueBounds.moc"

@@ -3,8 +3,8 @@
 
 #include "host/Core/Log.h"
 #include "tests/download/CatalogueProbe.h"
-#include "tests/download/PlainClimb.h"
 #include "tests/download/RandomCatalogue.h"
+#include "tests/support/PlainClimb.h"
 #include "tests/support/TestMain.h"
 
 using namespace vx;
@@ -15,7 +15,7 @@ namespace {
 constexpr quint32 firstSeed = 20120601;
 constexpr int catalogueCount = 2000;
 
-/** The seed to begin with and how many to try; CATALOGUE_SEED repeats a single one. */
+/** The seed to begin with and how many to try; VX_TEST_SEED repeats a single one. */
 struct Seeds
 {
     quint32 first = firstSeed;
@@ -24,8 +24,8 @@ struct Seeds
 
 Seeds seeds()
 {
-    if (qEnvironmentVariableIsSet("CATALOGUE_SEED")) {
-        return {static_cast<quint32>(qEnvironmentVariable("CATALOGUE_SEED").toULong()), 1};
+    if (qEnvironmentVariableIsSet("VX_TEST_SEED")) {
+        return {static_cast<quint32>(qEnvironmentVariable("VX_TEST_SEED").toULong()), 1};
     }
     return {};
 }
@@ -110,7 +110,7 @@ QString leavesTheTree(RandomCatalogue& random, const QByteArray& document)
 
 Q_DECLARE_METATYPE(Property)
 
-class tst_CatalogueClimb : public QObject
+class CatalogueClimbTest : public QObject
 {
     Q_OBJECT
 
@@ -121,13 +121,13 @@ private slots:
     void generatorReachesTheOddities();
 };
 
-void tst_CatalogueClimb::initTestCase()
+void CatalogueClimbTest::initTestCase()
 {
     // Most of these packages have suspicious suffixes, and each would be a line of the log.
     Log::instance().setLogLevel(4);
 }
 
-void tst_CatalogueClimb::randomCatalogues_data()
+void CatalogueClimbTest::randomCatalogues_data()
 {
     QTest::addColumn<Property>("failureOf");
 
@@ -136,7 +136,7 @@ void tst_CatalogueClimb::randomCatalogues_data()
     QTest::newRow("the tree is left as it was") << Property(&leavesTheTree);
 }
 
-void tst_CatalogueClimb::randomCatalogues()
+void CatalogueClimbTest::randomCatalogues()
 {
     QFETCH(Property, failureOf);
     const Seeds range = seeds();
@@ -144,13 +144,13 @@ void tst_CatalogueClimb::randomCatalogues()
         RandomCatalogue random(seed);
         const QByteArray document = random.document();
         const QString failure = failureOf(random, document);
-        QVERIFY2(failure.isEmpty(), qPrintable(QString("CATALOGUE_SEED=%1: %2\n%3")
+        QVERIFY2(failure.isEmpty(), qPrintable(QString("VX_TEST_SEED=%1: %2\n%3")
                                                    .arg(seed)
                                                    .arg(failure, QString::fromUtf8(document))));
     }
 }
 
-void tst_CatalogueClimb::generatorReachesTheOddities()
+void CatalogueClimbTest::generatorReachesTheOddities()
 {
     int withPackages = 0;
     int withSeveral = 0;
@@ -169,5 +169,5 @@ void tst_CatalogueClimb::generatorReachesTheOddities()
     QVERIFY(namedLikeAField > 2);
 }
 
-VX_TEST_MAIN(tst_CatalogueClimb)
+VX_TEST_MAIN(CatalogueClimbTest)
 #include "tst_CatalogueClimb.moc"

@@ -38,7 +38,7 @@ protected:
 
 } // namespace
 
-class tst_CatalogueParser : public QObject
+class CatalogueParserTest : public QObject
 {
     Q_OBJECT
 
@@ -75,11 +75,11 @@ private slots:
     void deviceStaysOpen();
 };
 
-void tst_CatalogueParser::fillsEveryField()
+void CatalogueParserTest::fillsEveryField()
 {
     const PackageInfo package = onlyPackage(R"(<package>
         <type>Camera Firmware</type> <name>fw</name> <public-name>Firmware</public-name>
-        <platform>CamOne, CamTwo</platform>
+        <platform>Dome-24, Mini-12</platform>
         <release>4.2.1</release> <public-release>V4</public-release> <status>STABLE</status>
         <release-date>2012-06-01 12:30:00</release-date>
         <base-url>http://host/files/</base-url> <url>fw.mpkg.zip</url>
@@ -90,7 +90,7 @@ void tst_CatalogueParser::fillsEveryField()
     QCOMPARE(package.type, QString("Camera Firmware"));
     QCOMPARE(package.name, QString("fw"));
     QCOMPARE(package.publicName, QString("Firmware"));
-    QCOMPARE(package.platforms, QStringSet({"CamOne", "CamTwo"}));
+    QCOMPARE(package.platforms, QStringSet({"Dome-24", "Mini-12"}));
     QCOMPARE(package.release, QString("4.2.1"));
     QCOMPARE(package.publicRelease, QString("V4"));
     QCOMPARE(package.status, QString("STABLE"));
@@ -104,7 +104,7 @@ void tst_CatalogueParser::fillsEveryField()
     QCOMPARE(package.packageType, QString("mpkg"));
 }
 
-void tst_CatalogueParser::leavesWhatHasNoTag()
+void CatalogueParserTest::leavesWhatHasNoTag()
 {
     const PackageInfo package = onlyPackage(
         R"(<package known="1" localFile="/x" confirmInstall="1" flags="3" packageType="exe"/>)");
@@ -115,7 +115,7 @@ void tst_CatalogueParser::leavesWhatHasNoTag()
     QVERIFY(package.packageType.isEmpty());
 }
 
-void tst_CatalogueParser::missingFieldsAreEmpty()
+void CatalogueParserTest::missingFieldsAreEmpty()
 {
     LogCapture log;
     const PackageInfo package =
@@ -132,7 +132,7 @@ void tst_CatalogueParser::missingFieldsAreEmpty()
     QVERIFY(log.lines(2).isEmpty());
 }
 
-void tst_CatalogueParser::singleField_data()
+void CatalogueParserTest::singleField_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QString>("type");
@@ -165,13 +165,13 @@ void tst_CatalogueParser::singleField_data()
     add("white space stays", "<package type=' a '/>", " a ");
 }
 
-void tst_CatalogueParser::singleField()
+void CatalogueParserTest::singleField()
 {
     QFETCH(QByteArray, content);
     QTEST(onlyPackage(content).type, "type");
 }
 
-void tst_CatalogueParser::nearerLevelsHideFartherOnes()
+void CatalogueParserTest::nearerLevelsHideFartherOnes()
 {
     // A nearer attribute goes before a farther element.
     QCOMPARE(onlyPackage("<package-set><name>set</name><package name='own'/></package-set>").name,
@@ -182,7 +182,7 @@ void tst_CatalogueParser::nearerLevelsHideFartherOnes()
              QString("own"));
 }
 
-void tst_CatalogueParser::emptyValueHidesTheSet()
+void CatalogueParserTest::emptyValueHidesTheSet()
 {
     QVERIFY(onlyPackage("<name>set</name><package><name/></package>").name.isEmpty());
     QVERIFY(onlyPackage("<name>set</name><package name=''/>").name.isEmpty());
@@ -190,12 +190,12 @@ void tst_CatalogueParser::emptyValueHidesTheSet()
                 .name.isEmpty());
 }
 
-void tst_CatalogueParser::firstElementOfALevelCounts()
+void CatalogueParserTest::firstElementOfALevelCounts()
 {
     QCOMPARE(onlyPackage("<package><name>a</name><name>b</name></package>").name, QString("a"));
 }
 
-void tst_CatalogueParser::onlyTheFirstFileIsRead()
+void CatalogueParserTest::onlyTheFirstFileIsRead()
 {
     const PackageInfo package = onlyPackage("<package><file><name>a</name></file>"
                                             "<file type='b' platform='c'><name>d</name></file>"
@@ -205,7 +205,7 @@ void tst_CatalogueParser::onlyTheFirstFileIsRead()
     QVERIFY(package.platforms.isEmpty());
 }
 
-void tst_CatalogueParser::fileAloneInheritsEverything()
+void CatalogueParserTest::fileAloneInheritsEverything()
 {
     const PackageInfo package =
         onlyPackage("<type>set</type><package name='own'><file/></package>");
@@ -213,7 +213,7 @@ void tst_CatalogueParser::fileAloneInheritsEverything()
     QCOMPARE(package.name, QString("own"));
 }
 
-void tst_CatalogueParser::wordsOfAllLevelsAreUnited()
+void CatalogueParserTest::wordsOfAllLevelsAreUnited()
 {
     const PackageInfo package = onlyPackage(R"(<platform>a</platform><platform>b</platform>
         <package-set platform="c; d"><package platform="a">
@@ -221,7 +221,7 @@ void tst_CatalogueParser::wordsOfAllLevelsAreUnited()
     QCOMPARE(package.platforms, QStringSet({"a", "b", "c", "d", "e", "f"}));
 }
 
-void tst_CatalogueParser::urlIsPlainConcatenation_data()
+void CatalogueParserTest::urlIsPlainConcatenation_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QString>("url");
@@ -247,7 +247,7 @@ void tst_CatalogueParser::urlIsPlainConcatenation_data()
     add("neither", "<package/>", "", "");
 }
 
-void tst_CatalogueParser::urlIsPlainConcatenation()
+void CatalogueParserTest::urlIsPlainConcatenation()
 {
     QFETCH(QByteArray, content);
     QFETCH(QString, url);
@@ -256,7 +256,7 @@ void tst_CatalogueParser::urlIsPlainConcatenation()
     QTEST(package.packageType, "packageType");
 }
 
-void tst_CatalogueParser::releaseNotes_data()
+void CatalogueParserTest::releaseNotes_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QString>("language");
@@ -339,7 +339,7 @@ void tst_CatalogueParser::releaseNotes_data()
         "http://n");
 }
 
-void tst_CatalogueParser::releaseNotes()
+void CatalogueParserTest::releaseNotes()
 {
     QFETCH(QByteArray, content);
     QFETCH(QString, language);
@@ -347,7 +347,7 @@ void tst_CatalogueParser::releaseNotes()
     QCOMPARE(onlyPackage(content).relNotes, UrlMap({{language, QUrl(url)}}));
 }
 
-void tst_CatalogueParser::severalUrlsOfALanguageStay()
+void CatalogueParserTest::severalUrlsOfALanguageStay()
 {
     const PackageInfo package = onlyPackage(R"(<release-notes url="root"/>
         <package-set release-notes="set"><package release-notes="attribute">
@@ -360,7 +360,7 @@ void tst_CatalogueParser::severalUrlsOfALanguageStay()
     QCOMPARE(package.releaseNotesUrl("en", "en"), QUrl("root"));
 }
 
-void tst_CatalogueParser::readmeIsApart()
+void CatalogueParserTest::readmeIsApart()
 {
     const PackageInfo package =
         onlyPackage("<package release-notes='http://n'><readme url='http://r'/></package>");
@@ -368,7 +368,7 @@ void tst_CatalogueParser::readmeIsApart()
     QCOMPARE(package.readme, UrlMap({{"en", QUrl("http://r")}}));
 }
 
-void tst_CatalogueParser::packagesComeBeforeNestedSets()
+void CatalogueParserTest::packagesComeBeforeNestedSets()
 {
     const PackageInfoList packages = parseText(R"(<softwareList>
         <package-set><package name="c"/>
@@ -380,7 +380,7 @@ void tst_CatalogueParser::packagesComeBeforeNestedSets()
     QCOMPARE(namesOf(packages), QStringList({"a", "b", "c", "d", "e", "f"}));
 }
 
-void tst_CatalogueParser::structureIsReadInSetsOnly_data()
+void CatalogueParserTest::structureIsReadInSetsOnly_data()
 {
     QTest::addColumn<QByteArray>("content");
 
@@ -395,13 +395,13 @@ void tst_CatalogueParser::structureIsReadInSetsOnly_data()
     QTest::newRow("package in capitals") << QByteArray("<package/><Package/>");
 }
 
-void tst_CatalogueParser::structureIsReadInSetsOnly()
+void CatalogueParserTest::structureIsReadInSetsOnly()
 {
     QFETCH(QByteArray, content);
     QCOMPARE(parseText("<softwareList>" + content + "</softwareList>").size(), 1);
 }
 
-void tst_CatalogueParser::rootMayHaveAnyName()
+void CatalogueParserTest::rootMayHaveAnyName()
 {
     for (const QByteArray root : {"softwareList", "package-set", "package", "file", "x", "list"}) {
         const PackageInfoList packages =
@@ -412,7 +412,7 @@ void tst_CatalogueParser::rootMayHaveAnyName()
     }
 }
 
-void tst_CatalogueParser::rootNamedLikeAFieldIsOne()
+void CatalogueParserTest::rootNamedLikeAFieldIsOne()
 {
     // The climb ends above the document, whose child the root is.
     const PackageInfoList packages =
@@ -430,12 +430,12 @@ void tst_CatalogueParser::rootNamedLikeAFieldIsOne()
     QCOMPARE(notes.first().readme, UrlMap({{"de", QUrl("http://r")}}));
 }
 
-void tst_CatalogueParser::parseSetAppends()
+void CatalogueParserTest::parseSetAppends()
 {
     QDomDocument document;
     document.setContent(QByteArray("<list type='a'><package-set><package/></package-set></list>"));
     PackageInfoList packages = {PackageInfo("first")};
-    // From the middle of the tree the fields above are found all the same.
+    // From the middle of the tree the fields above are still found.
     CatalogueProbe::parseSet(document.documentElement().firstChildElement(), packages);
     QCOMPARE(packages.size(), 2);
     QCOMPARE(packages.at(0).type, QString("first"));
@@ -444,7 +444,7 @@ void tst_CatalogueParser::parseSetAppends()
     QCOMPARE(packages.size(), 2);
 }
 
-void tst_CatalogueParser::parsePackageAddsToSets()
+void CatalogueParserTest::parsePackageAddsToSets()
 {
     QDomDocument document;
     document.setContent(QByteArray("<package platform='new' language='new' release-notes='n'/>"));
@@ -464,7 +464,7 @@ void tst_CatalogueParser::parsePackageAddsToSets()
     QCOMPARE(info.localFile, QString("/x"));
 }
 
-void tst_CatalogueParser::noPackageIsNoError_data()
+void CatalogueParserTest::noPackageIsNoError_data()
 {
     QTest::addColumn<QByteArray>("document");
 
@@ -475,7 +475,7 @@ void tst_CatalogueParser::noPackageIsNoError_data()
     QTest::newRow("another document") << QByteArray("<html><body/></html>");
 }
 
-void tst_CatalogueParser::noPackageIsNoError()
+void CatalogueParserTest::noPackageIsNoError()
 {
     QFETCH(QByteArray, document);
     LogCapture log;
@@ -484,7 +484,7 @@ void tst_CatalogueParser::noPackageIsNoError()
     QVERIFY(log.lines(3).isEmpty());
 }
 
-void tst_CatalogueParser::brokenDocumentIsLogged_data()
+void CatalogueParserTest::brokenDocumentIsLogged_data()
 {
     QTest::addColumn<QByteArray>("document");
 
@@ -493,7 +493,7 @@ void tst_CatalogueParser::brokenDocumentIsLogged_data()
     QTest::newRow("no document at all") << QByteArray("404 not found");
 }
 
-void tst_CatalogueParser::brokenDocumentIsLogged()
+void CatalogueParserTest::brokenDocumentIsLogged()
 {
     QFETCH(QByteArray, document);
     LogCapture log;
@@ -504,7 +504,7 @@ void tst_CatalogueParser::brokenDocumentIsLogged()
     QVERIFY(log.lines(3).isEmpty());
 }
 
-void tst_CatalogueParser::otherExceptionsPass()
+void CatalogueParserTest::otherExceptionsPass()
 {
     LogCapture log;
     ThrowingDevice device;
@@ -513,7 +513,7 @@ void tst_CatalogueParser::otherExceptionsPass()
     QVERIFY(log.lines(2).isEmpty());
 }
 
-void tst_CatalogueParser::deviceStaysOpen()
+void CatalogueParserTest::deviceStaysOpen()
 {
     QBuffer device;
     device.setData("<softwareList><package/></softwareList>");
@@ -522,5 +522,5 @@ void tst_CatalogueParser::deviceStaysOpen()
     QVERIFY(device.isOpen());
 }
 
-VX_TEST_MAIN(tst_CatalogueParser)
+VX_TEST_MAIN(CatalogueParserTest)
 #include "tst_CatalogueParser.moc"

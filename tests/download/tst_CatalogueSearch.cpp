@@ -28,7 +28,7 @@ private:
 
 } // namespace
 
-class tst_CatalogueSearch : public QObject
+class CatalogueSearchTest : public QObject
 {
     Q_OBJECT
 
@@ -43,14 +43,14 @@ private slots:
     void keepsUrlsThatWereThere();
 };
 
-void tst_CatalogueSearch::startsAtTheFirstFile()
+void CatalogueSearchTest::startsAtTheFirstFile()
 {
     const Tree tree("<list><package><name/><file name='a'/><file name='b'/></package></list>");
     QCOMPARE(DownloadManager::startSearchAt(tree.package()).toElement().attribute("name"),
              QString("a"));
 }
 
-void tst_CatalogueSearch::startsAtTheNodeWithoutFile()
+void CatalogueSearchTest::startsAtTheNodeWithoutFile()
 {
     const Tree tree("<list><package><x><file/></x></package></list>");
     QCOMPARE(DownloadManager::startSearchAt(tree.package()), QDomNode(tree.package()));
@@ -58,7 +58,7 @@ void tst_CatalogueSearch::startsAtTheNodeWithoutFile()
     QVERIFY(DownloadManager::startSearchAt(QDomNode()).isNull());
 }
 
-void tst_CatalogueSearch::findsFromAnyNode()
+void CatalogueSearchTest::findsFromAnyNode()
 {
     const Tree tree("<list name='a'><package><x>text</x></package></list>");
     const QDomNode text = tree.package().firstChild().firstChild();
@@ -69,7 +69,7 @@ void tst_CatalogueSearch::findsFromAnyNode()
     QCOMPARE(CatalogueProbe::findString(QDomNode(), "name"), QString());
 }
 
-void tst_CatalogueSearch::findsAnyTag()
+void CatalogueSearchTest::findsAnyTag()
 {
     const Tree tree("<list><package package='own'/><package>sibling</package></list>");
     QCOMPARE(CatalogueProbe::findString(tree.package(), "package"), QString("own"));
@@ -77,7 +77,7 @@ void tst_CatalogueSearch::findsAnyTag()
     QCOMPARE(CatalogueProbe::findString(tree.package(), "unknown"), QString());
 }
 
-void tst_CatalogueSearch::countsWhatItGathers()
+void CatalogueSearchTest::countsWhatItGathers()
 {
     const Tree tree("<list platform='a'><platform>b c</platform><package platform=''>"
                     "<platform/><platform>a</platform><file platform='d'/></package></list>");
@@ -87,7 +87,7 @@ void tst_CatalogueSearch::countsWhatItGathers()
     QCOMPARE(CatalogueProbe::findAllStrings(tree.package(), "language", words), 0);
 }
 
-void tst_CatalogueSearch::keepsWhatWasGathered()
+void CatalogueSearchTest::keepsWhatWasGathered()
 {
     const Tree tree("<list><package platform='a'/></list>");
     QStringSet words = {"kept"};
@@ -95,7 +95,7 @@ void tst_CatalogueSearch::keepsWhatWasGathered()
     QCOMPARE(words, QStringSet({"kept", "a"}));
 }
 
-void tst_CatalogueSearch::countsUrls()
+void CatalogueSearchTest::countsUrls()
 {
     const Tree tree("<list readme='http://list'><package readme='http://package'>"
                     "<readme url='http://first'/><readme/></package></list>");
@@ -107,7 +107,7 @@ void tst_CatalogueSearch::countsUrls()
     QCOMPARE(CatalogueProbe::findAllTranslatedUrls(tree.package(), "release-notes", urls), 0);
 }
 
-void tst_CatalogueSearch::keepsUrlsThatWereThere()
+void CatalogueSearchTest::keepsUrlsThatWereThere()
 {
     const Tree tree("<list><package readme='http://package' language='de'/></list>");
     UrlMap urls = {{"de", QUrl("http://kept")}};
@@ -115,5 +115,5 @@ void tst_CatalogueSearch::keepsUrlsThatWereThere()
     QCOMPARE(urls.values(), QList<QUrl>({QUrl("http://package"), QUrl("http://kept")}));
 }
 
-VX_TEST_MAIN(tst_CatalogueSearch)
+VX_TEST_MAIN(CatalogueSearchTest)
 #include "tst_CatalogueSearch.moc"

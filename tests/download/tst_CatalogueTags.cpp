@@ -5,7 +5,7 @@
 
 using vx::DownloadManager;
 
-class tst_CatalogueTags : public QObject
+class CatalogueTagsTest : public QObject
 {
     Q_OBJECT
 
@@ -15,7 +15,7 @@ private slots:
     void defaultServerIsPlainHttpWithoutPath();
 };
 
-void tst_CatalogueTags::text_data()
+void CatalogueTagsTest::text_data()
 {
     QTest::addColumn<QString>("tag");
     QTest::addColumn<QString>("text");
@@ -42,13 +42,13 @@ void tst_CatalogueTags::text_data()
     QTest::newRow("COMMENT") << D::COMMENT << "comment";
 }
 
-void tst_CatalogueTags::text()
+void CatalogueTagsTest::text()
 {
     QFETCH(QString, tag);
     QTEST(tag, "text");
 }
 
-void tst_CatalogueTags::defaultServerIsPlainHttpWithoutPath()
+void CatalogueTagsTest::defaultServerIsPlainHttpWithoutPath()
 {
     const QUrl url(DownloadManager::UPDATE_URL);
     QVERIFY(url.isValid());
@@ -57,5 +57,5 @@ void tst_CatalogueTags::defaultServerIsPlainHttpWithoutPath()
     QVERIFY(url.path().isEmpty());
 }
 
-VX_TEST_MAIN(tst_CatalogueTags)
+VX_TEST_MAIN(CatalogueTagsTest)
 #include "tst_CatalogueTags.moc"

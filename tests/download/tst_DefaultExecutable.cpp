@@ -35,10 +35,14 @@ private slots:
     void depthGoesFirst();
     void deepTree();
     void namesKeepBlanksAndLetters();
-    void hiddenFilesDoNotCount();
+    void hiddenFilesCount();
     void linkToAProgramCounts();
     void brokenLinkDoesNot();
-    void linkedFoldersAreNotEntered();
+    void linkedFoldersAreEntered();
+    void linkToAFolderWithNothingIsPassedOver();
+    void linksOutOfThePackageAreNotEntered();
+    void linkToANeighbourIsNotEntered();
+    void manyWaysToOneFolderEnd();
     void circlesOfLinksEnd();
     void foldersWithoutRightsAreEmpty();
     void calledByName();
@@ -156,11 +160,15 @@ void DefaultExecutableTest::namesKeepBlanksAndLetters()
     QCOMPARE(find(), name);
 }
 
-void DefaultExecutableTest::hiddenFilesDoNotCount()
+// The bit decides, and a dot at the beginning is part of the name.
+void DefaultExecutableTest::hiddenFilesCount()
 {
-    add(".hook", 100, runnable);
     add(".cache/program", 100, runnable);
-    QCOMPARE(find(), QString());
+    QCOMPARE(find(), QString(".cache/program"));
+    add(".hook", 100, runnable);
+    QCOMPARE(find(), QString(".hook"));
+    add("program", 101, runnable);
+    QCOMPARE(find(), QString("program"));
 }
 
 void DefaultExecutableTest::linkToAProgramCounts()
@@ -176,13 +184,62 @@ void DefaultExecutableTest::brokenLinkDoesNot()
     QCOMPARE(find(), QString());
 }
 
-void DefaultExecutableTest::linkedFoldersAreNotEntered()
+void DefaultExecutableTest::linkedFoldersAreEntered()
+{
+    add("Versions/A/program", 10, runnable);
+    QVERIFY(QFile::link("Versions/A", m_folder->filePath("Current")));
+    const QStringList folders =
+        QDir(m_folder->path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Unsorted);
+    QCOMPARE(folders.size(), 2);
+    QCOMPARE(find(), folders.first() == "Current" ? QString("Current/program")
+                                                  : QString("Versions/A/program"));
+}
+
+void DefaultExecutableTest::linkToAFolderWithNothingIsPassedOver()
+{
+    QVERIFY(QDir(m_folder->path()).mkpath("empty"));
+    QVERIFY(QFile::link("empty", m_folder->filePath("link")));
+    add("bin/program", 10, runnable);
+    QCOMPARE(find(), QString("bin/program"));
+}
+
+// What is there is not part of the package, and is not what the user installs.
+void DefaultExecutableTest::linksOutOfThePackageAreNotEntered()
 {
     const QTemporaryDir outside;
     QFile program(outside.filePath("foreign"));
     QVERIFY(program.open(QIODevice::WriteOnly));
     QVERIFY(program.setPermissions(runnable));
     QVERIFY(QFile::link(outside.path(), m_folder->filePath("link")));
+    QVERIFY(QDir(m_folder->path()).mkpath("package/inner"));
+    QVERIFY(QFile::link("..", m_folder->filePath("package/inner/up")));
+    add("sibling", 1, runnable);
+    QCOMPARE(Finder().findDefaultExecutable(QDir(m_folder->filePath("package"))), QString());
+    QVERIFY(QFile::remove(m_folder->filePath("sibling")));
+    QCOMPARE(find(), QString());
+}
+
+// A folder whose name begins like that of the package is not in it.
+void DefaultExecutableTest::linkToANeighbourIsNotEntered()
+{
+    QVERIFY(QDir(m_folder->path()).mkpath("package"));
+    add("package-other/program", 1, runnable);
+    QVERIFY(QFile::link("../package-other", m_folder->filePath("package/link")));
+    QCOMPARE(Finder().findDefaultExecutable(QDir(m_folder->filePath("package"))), QString());
+}
+
+// Followed one by one, these would be as many ways as two to the power of their number.
+void DefaultExecutableTest::manyWaysToOneFolderEnd()
+{
+    constexpr int depth = 64;
+    for (int level = 0; level < depth; ++level) {
+        const QString folder = m_folder->filePath(QString::number(level));
+        QVERIFY(QDir().mkpath(folder));
+        for (const char* link : {"left", "right"}) {
+            QVERIFY(QFile::link("../" + QString::number(level + 1), folder + '/' + link));
+        }
+    }
+    QVERIFY(QDir(m_folder->path()).mkpath(QString::number(depth)));
     QCOMPARE(find(), QString());
 }
 

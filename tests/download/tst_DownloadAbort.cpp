@@ -92,7 +92,8 @@ void DownloadAbortTest::cleanup()
 
 void DownloadAbortTest::start(EngineProbe* engine, const QString& name) const
 {
-    engine->startDownload(packageAt("http://files.example/camera.zip", content.size()), path(name));
+    engine->startDownload(packageAt("http://files.example.com/camera.zip", content.size()),
+                          path(name));
 }
 
 void DownloadAbortTest::nothingRunning()
@@ -167,7 +168,7 @@ void DownloadAbortTest::severalAtOnce()
 void DownloadAbortTest::queryAndReleaseNotes()
 {
     m_engine->queryUpdate(PackageInfo(), m_events.data(), "callback");
-    m_engine->downloadReleaseNotes(QUrl("http://files.example/notes.html"));
+    m_engine->downloadReleaseNotes(QUrl("http://files.example.com/notes.html"));
     m_engine->abortDownload();
     QVERIFY(!m_engine->isQueryBusy());
     QVERIFY(m_watch->requests.first()->userData == nullptr);
@@ -206,7 +207,7 @@ void DownloadAbortTest::fromWithinASlot()
     QFETCH(int, missing);
     QFETCH(QStringList, end);
     const Aborter aborter(m_engine.data(), signal.constData());
-    m_engine->startDownload(packageAt("http://files.example/camera.zip",
+    m_engine->startDownload(packageAt("http://files.example.com/camera.zip",
                                       static_cast<quintptr>(content.size() + missing)),
                             path("a.zip"));
     QTRY_VERIFY(!m_engine->isQueryBusy());
@@ -222,7 +223,7 @@ void DownloadAbortTest::laterReceiversStillGetTheirPackage()
     const EngineEvents second(m_engine.data());
     start(m_engine.data());
     QCOMPARE(second.list, QStringList({"downloadAborted", "downloadStarted camera a.zip"}));
-    QCOMPARE(second.package.url, QUrl("http://files.example/camera.zip"));
+    QCOMPARE(second.package.url, QUrl("http://files.example.com/camera.zip"));
     QCOMPARE(second.fileName, path("a.zip"));
 }
 

@@ -113,7 +113,7 @@ void DownloadFaultsTest::cleanup()
 
 void DownloadFaultsTest::download(const QString& fileName, const QString& file)
 {
-    m_engine->startDownload(packageAt("http://files.example" + file, 100), fileName);
+    m_engine->startDownload(packageAt("http://files.example.com" + file, 100), fileName);
 }
 
 void DownloadFaultsTest::serverFaultsEndInFailure_data()

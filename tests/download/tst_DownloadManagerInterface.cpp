@@ -247,17 +247,17 @@ void DownloadManagerInterfaceTest::slotsAreCalledByName()
 
 void DownloadManagerInterfaceTest::metaTypesAreRegisteredOnLoading()
 {
-    QCOMPARE(DownloadManager::qMetaTypes[0], QMetaType::type("vx::PackageInfo"));
-    QCOMPARE(DownloadManager::qMetaTypes[1], QMetaType::type("vx::PackageInfoList"));
+    QCOMPARE(DownloadManager::qMetaTypes[0], metaTypeId("vx::PackageInfo"));
+    QCOMPARE(DownloadManager::qMetaTypes[1], metaTypeId("vx::PackageInfoList"));
     QVERIFY(DownloadManager::qMetaTypes[0] != QMetaType::UnknownType);
     QVERIFY(DownloadManager::qMetaTypes[1] > DownloadManager::qMetaTypes[0]);
 }
 
 void DownloadManagerInterfaceTest::builtFromHost()
 {
-    const HttpHost host = hostAt("updates.example");
+    const HttpHost host = hostAt("updates.example.com");
     EngineProbe engine(host, "/catalogue");
-    QCOMPARE(engine.server().server.address, QString("updates.example"));
+    QCOMPARE(engine.server().server.address, QString("updates.example.com"));
     QCOMPARE(engine.server().proxyPreference, HttpHost::NoProxy);
     QCOMPARE(engine.serverPath, QString("/catalogue"));
     QVERIFY(engine.isRegularCheck());
@@ -271,8 +271,8 @@ void DownloadManagerInterfaceTest::builtFromHost()
 
 void DownloadManagerInterfaceTest::builtFromUrl()
 {
-    EngineProbe engine(QUrl("http://updates.example:8080/a%20b"));
-    QCOMPARE(engine.server().server.address, QString("updates.example"));
+    EngineProbe engine(QUrl("http://updates.example.com:8080/a%20b"));
+    QCOMPARE(engine.server().server.address, QString("updates.example.com"));
     QCOMPARE(engine.server().server.port, 8080);
     QCOMPARE(int(engine.server().proxyPreference), 2);
     QCOMPARE(engine.serverPath, QString("/a%20b"));
@@ -305,31 +305,31 @@ void DownloadManagerInterfaceTest::builtFromNothing()
 
 void DownloadManagerInterfaceTest::serverIsReadAndChanged()
 {
-    EngineProbe engine(hostAt("a.example"), QString());
-    engine.server().server.setAddress("b.example", 81, false);
+    EngineProbe engine(hostAt("a.example.com"), QString());
+    engine.server().server.setAddress("b.example.com", 81, false);
     const EngineProbe& constant = engine;
-    QCOMPARE(constant.server().server.address, QString("b.example"));
+    QCOMPARE(constant.server().server.address, QString("b.example.com"));
     QCOMPARE(&constant.server(), &engine.server());
 }
 
 void DownloadManagerInterfaceTest::setServerResetsThePreference()
 {
     EngineProbe engine;
-    engine.setProxy(HttpHost::OwnProxy, "proxy.example:3128");
+    engine.setProxy(HttpHost::OwnProxy, "proxy.example.com:3128");
     QCOMPARE(engine.server().proxyPreference, HttpHost::OwnProxy);
-    engine.setServer(QUrl("http://updates.example/c/d%2Fe?q=1"));
+    engine.setServer(QUrl("http://updates.example.com/c/d%2Fe?q=1"));
     QCOMPARE(int(engine.server().proxyPreference), 2);
-    QCOMPARE(engine.server().server.address, QString("updates.example"));
+    QCOMPARE(engine.server().server.address, QString("updates.example.com"));
     QCOMPARE(engine.serverPath, QString("/c/d%2Fe"));
 }
 
 void DownloadManagerInterfaceTest::setServerLeavesTheClientAlone()
 {
-    EngineProbe engine(hostAt("a.example"), QString());
-    engine.setServer(QUrl("http://b.example/"));
+    EngineProbe engine(hostAt("a.example.com"), QString());
+    engine.setServer(QUrl("http://b.example.com/"));
     const RequestPtr request =
         engine.httpClient.prepareGet("/x", {}, nullptr, nullptr, nullptr, {});
-    QCOMPARE(request->requestUrls.value(0), QUrl("http://a.example/x"));
+    QCOMPARE(request->requestUrls.value(0), QUrl("http://a.example.com/x"));
 }
 
 void DownloadManagerInterfaceTest::setProxyParsesAndRemembers_data()
@@ -339,18 +339,18 @@ void DownloadManagerInterfaceTest::setProxyParsesAndRemembers_data()
     QTest::addColumn<QString>("address");
     QTest::addColumn<int>("port");
     QTest::addColumn<int>("remembered");
-    QTest::newRow("own, with port") << 1 << "proxy.example:3128"
-                                    << "proxy.example" << 3128 << 1;
-    QTest::newRow("own, default port") << 1 << "proxy.example"
-                                       << "proxy.example" << 80 << 1;
+    QTest::newRow("own, with port") << 1 << "proxy.example.com:3128"
+                                    << "proxy.example.com" << 3128 << 1;
+    QTest::newRow("own, default port") << 1 << "proxy.example.com"
+                                       << "proxy.example.com" << 80 << 1;
     QTest::newRow("own, no address") << 1 << ""
                                      << "" << 80 << 0;
-    QTest::newRow("none, with address") << 0 << "proxy.example:8080"
-                                        << "proxy.example" << 8080 << 0;
+    QTest::newRow("none, with address") << 0 << "proxy.example.com:8080"
+                                        << "proxy.example.com" << 8080 << 0;
     QTest::newRow("none at all") << 0 << ""
                                  << "" << 80 << 0;
     // The application has no proxy here, and with preference 2 its word counts.
-    QTest::newRow("the application's") << 2 << "proxy.example"
+    QTest::newRow("the application's") << 2 << "proxy.example.com"
                                        << "" << 80 << 0;
 }
 
@@ -368,9 +368,9 @@ void DownloadManagerInterfaceTest::setProxyParsesAndRemembers()
 
 void DownloadManagerInterfaceTest::queryUrlIsTheServerAlone()
 {
-    EngineProbe engine(QUrl("http://updates.example:8080/catalogue.xml?x=y"));
+    EngineProbe engine(QUrl("http://updates.example.com:8080/catalogue.xml?x=y"));
     QCOMPARE(engine.queryUrl(), engine.server().makeURL(QString(), {}, true));
-    QCOMPARE(engine.queryUrl().host(), QString("updates.example"));
+    QCOMPARE(engine.queryUrl().host(), QString("updates.example.com"));
     QCOMPARE(engine.queryUrl().port(), 8080);
     QVERIFY(!engine.queryUrl().hasQuery());
     QVERIFY(!engine.queryUrl().path().contains("catalogue"));
@@ -378,7 +378,7 @@ void DownloadManagerInterfaceTest::queryUrlIsTheServerAlone()
 
 void DownloadManagerInterfaceTest::regularCheckGivesThePreviousValue()
 {
-    EngineProbe engine(hostAt("a.example"), QString());
+    EngineProbe engine(hostAt("a.example.com"), QString());
     QCOMPARE(engine.setRegularCheck(false), true);
     QCOMPARE(engine.isRegularCheck(), false);
     QCOMPARE(engine.setRegularCheck(true), false);

@@ -60,7 +60,7 @@ bool agree(const QString& text)
 
 } // namespace
 
-class tst_FieldParsers : public QObject
+class FieldParsersTest : public QObject
 {
     Q_OBJECT
 
@@ -74,6 +74,8 @@ private slots:
     void releaseDate();
     void datesAgreeWithQt_data();
     void datesAgreeWithQt();
+    void repeatedHourAgreesWithQt_data();
+    void repeatedHourAgreesWithQt();
     void oddDatesAgreeWithQt_data();
     void oddDatesAgreeWithQt();
     void suffix_data();
@@ -82,13 +84,13 @@ private slots:
     void suffixAgreesWithQtSections();
 };
 
-void tst_FieldParsers::initTestCase()
+void FieldParsersTest::initTestCase()
 {
     // For suffixes that are tried by the thousand. LogCapture still sees all.
     vx::Log::instance().setLogLevel(4);
 }
 
-void tst_FieldParsers::fileSize_data()
+void FieldParsersTest::fileSize_data()
 {
     QTest::addColumn<quintptr>("bytes");
 
@@ -121,12 +123,12 @@ void tst_FieldParsers::fileSize_data()
     add("1,5MB", 0);
 }
 
-void tst_FieldParsers::fileSize()
+void FieldParsersTest::fileSize()
 {
     QTEST(DownloadManager::parseFileSize(QString::fromUtf8(QTest::currentDataTag())), "bytes");
 }
 
-void tst_FieldParsers::hostileFileSize_data()
+void FieldParsersTest::hostileFileSize_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<quintptr>("bytes");
@@ -165,13 +167,13 @@ void tst_FieldParsers::hostileFileSize_data()
     QTest::newRow("other digits") << QString::fromUtf8("\xd9\xa1\xd9\xa2MB") << quintptr(0);
 }
 
-void tst_FieldParsers::hostileFileSize()
+void FieldParsersTest::hostileFileSize()
 {
     QFETCH(QString, text);
     QTEST(DownloadManager::parseFileSize(text), "bytes");
 }
 
-void tst_FieldParsers::releaseDate_data()
+void FieldParsersTest::releaseDate_data()
 {
     QTest::addColumn<QDateTime>("date");
 
@@ -188,7 +190,7 @@ void tst_FieldParsers::releaseDate_data()
     }
 }
 
-void tst_FieldParsers::releaseDate()
+void FieldParsersTest::releaseDate()
 {
     QFETCH(QDateTime, date);
     const QDateTime parsed = DownloadManager::parseReleaseDate(QTest::currentDataTag());
@@ -197,7 +199,7 @@ void tst_FieldParsers::releaseDate()
     QCOMPARE(parsed.timeSpec(), Qt::LocalTime);
 }
 
-void tst_FieldParsers::datesAgreeWithQt_data()
+void FieldParsersTest::datesAgreeWithQt_data()
 {
     QTest::addColumn<QByteArray>("zone");
 
@@ -208,7 +210,7 @@ void tst_FieldParsers::datesAgreeWithQt_data()
     }
 }
 
-void tst_FieldParsers::datesAgreeWithQt()
+void FieldParsersTest::datesAgreeWithQt()
 {
     QFETCH(QByteArray, zone);
     const TimeZone timeZone(zone.constData());
@@ -225,7 +227,47 @@ void tst_FieldParsers::datesAgreeWithQt()
     }
 }
 
-void tst_FieldParsers::oddDatesAgreeWithQt_data()
+void FieldParsersTest::repeatedHourAgreesWithQt_data()
+{
+    QTest::addColumn<QByteArray>("zone");
+    QTest::addColumn<QDate>("day");
+
+    const auto add = [](const char* zone, const QDate& day) {
+        QTest::newRow(zone) << QByteArray(zone) << day;
+    };
+    add("Europe/Berlin", QDate(2012, 10, 28));
+    add("America/Havana", QDate(2015, 11, 1)); // midnight is in that hour
+    add("America/New_York", QDate(2018, 11, 4));
+    add("America/Sao_Paulo", QDate(2018, 2, 17));
+    add("Australia/Lord_Howe", QDate(2018, 4, 1)); // half an hour
+    add("Asia/Kathmandu", QDate(1986, 1, 1));
+    add("Pacific/Kwajalein", QDate(1969, 9, 30)); // a whole day
+}
+
+// The system reads such a time now as one and now as the other, after what it has read before.
+void FieldParsersTest::repeatedHourAgreesWithQt()
+{
+    QFETCH(QByteArray, zone);
+    QFETCH(QDate, day);
+    const TimeZone timeZone(zone.constData());
+    for (int quarter = -96; quarter < 192; ++quarter) {
+        const QDateTime time = QDateTime(day, QTime(0, 0), Qt::UTC).addSecs(quarter * 900);
+        for (const char* format : {"yyyy-MM-dd hh:mm:ss", "yyyy-MM-dd"}) {
+            const QString text = time.toString(format);
+            for (const int months : {-4, -1, 1, 4}) {
+                const QString before = day.addMonths(months).toString("yyyy-MM-dd");
+                parsedByQt(before);
+                const QDateTime theirs = parsedByQt(text);
+                DownloadManager::parseReleaseDate(before);
+                const QDateTime ours = DownloadManager::parseReleaseDate(text);
+                QVERIFY2(ours.toMSecsSinceEpoch() == theirs.toMSecsSinceEpoch(),
+                         qPrintable(text + " after " + before));
+            }
+        }
+    }
+}
+
+void FieldParsersTest::oddDatesAgreeWithQt_data()
 {
     QTest::addColumn<QString>("text");
 
@@ -239,7 +281,7 @@ void tst_FieldParsers::oddDatesAgreeWithQt_data()
     }
 }
 
-void tst_FieldParsers::oddDatesAgreeWithQt()
+void FieldParsersTest::oddDatesAgreeWithQt()
 {
     QFETCH(QString, text);
     for (const char* locale : {"C", "de_DE", "ar_EG", "fa_IR"}) {
@@ -250,7 +292,7 @@ void tst_FieldParsers::oddDatesAgreeWithQt()
     }
 }
 
-void tst_FieldParsers::suffix_data()
+void FieldParsersTest::suffix_data()
 {
     QTest::addColumn<QString>("suffix");
     QTest::addColumn<bool>("logged");
@@ -292,7 +334,7 @@ void tst_FieldParsers::suffix_data()
     add("mpkg.zip", "mpkg", false);
 }
 
-void tst_FieldParsers::suffix()
+void FieldParsersTest::suffix()
 {
     QFETCH(bool, logged);
     vx::test::LogCapture log;
@@ -303,7 +345,7 @@ void tst_FieldParsers::suffix()
     QVERIFY(log.lines(2).isEmpty());
 }
 
-void tst_FieldParsers::suspiciousSuffixIsLoggedWhole()
+void FieldParsersTest::suspiciousSuffixIsLoggedWhole()
 {
     vx::test::LogCapture log;
     DownloadManager::parsePackageSuffix("http://host/a.gz");
@@ -311,7 +353,7 @@ void tst_FieldParsers::suspiciousSuffixIsLoggedWhole()
                             "suffix 'gz' in http://host/a.gz"));
 }
 
-void tst_FieldParsers::suffixAgreesWithQtSections()
+void FieldParsersTest::suffixAgreesWithQtSections()
 {
     // Every text of up to seven characters of these three; none of them makes a compound suffix.
     const QString alphabet = "a.b";
@@ -325,5 +367,5 @@ void tst_FieldParsers::suffixAgreesWithQtSections()
     }
 }
 
-VX_TEST_MAIN(tst_FieldParsers)
+VX_TEST_MAIN(FieldParsersTest)
 #include "tst_FieldParsers.moc"

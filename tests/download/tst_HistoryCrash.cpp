@@ -115,7 +115,7 @@ private slots:
     void killedWriterLeavesOldOrNew();
 };
 
-// Without fixed numbers a failure could not be repeated; what is cut short differs all the same.
+// Without fixed numbers a failure could not be repeated; what is cut short still differs.
 void HistoryCrashTest::killedWriterLeavesOldOrNew()
 {
     QRandomGenerator random(1984);

@@ -135,7 +135,10 @@ private slots:
     void mayBeDeletedByItsSlot_data();
     void mayBeDeletedByItsSlot();
     void mayBeDeletedWhileRunning();
+    void isNotBusyUntilItsRequestRuns();
+    void filterWithASizeStartsNoDownload();
     void secondStageCanBeCalledAlone();
+    void secondStageNeedsNoRecord();
 
 private:
     QScopedPointer<UpdateServer> m_server;
@@ -488,10 +491,10 @@ void QueryEngineTest::queryFollowsServerAndProxy()
     EngineEvents events(m_engine.data());
     NodeDB::getDB().setGlobalProxy(
         NetworkProxy(true, "127.0.0.1", m_server->port(), QString(), QString()));
-    m_engine->setServer(QUrl("http://elsewhere.example"));
+    m_engine->setServer(QUrl("http://elsewhere.example.com"));
     m_engine->queryUpdate();
     QTRY_COMPARE(events.count("queryFinished"), 1);
-    QCOMPARE(m_server->requests().last().target, QByteArray("http://elsewhere.example/"));
+    QCOMPARE(m_server->requests().last().target, QByteArray("http://elsewhere.example.com/"));
     QCOMPARE(events.count("packageFound [one two three]"), 1);
 }
 
@@ -515,6 +518,7 @@ void QueryEngineTest::proxyIsRemembered()
 void QueryEngineTest::mayBeDeletedByItsSlot_data()
 {
     QTest::addColumn<QByteArray>("signal");
+    QTest::newRow("queryStarted") << QByteArray(SIGNAL(queryStarted(QString)));
     QTest::newRow("packageFound") << QByteArray(SIGNAL(packageFound(PackageInfoList)));
     QTest::newRow("queryFinished") << QByteArray(SIGNAL(queryFinished()));
 }
@@ -537,6 +541,32 @@ void QueryEngineTest::mayBeDeletedWhileRunning()
     m_engine.reset();
 }
 
+// Whoever disables a button there by isQueryBusy() has to know it.
+void QueryEngineTest::isNotBusyUntilItsRequestRuns()
+{
+    bool busyAtStart = true;
+    connect(m_engine.data(), &DownloadManager::queryStarted, this,
+            [&] { busyAtStart = m_engine->isQueryBusy(); });
+    EngineEvents events(m_engine.data());
+    m_engine->queryUpdate();
+    QCOMPARE(events.count("queryStarted"), 1);
+    QVERIFY(!busyAtStart);
+    QVERIFY(m_engine->isQueryBusy());
+    QTRY_COMPARE(events.count("queryFinished"), 1);
+}
+
+// A package out of a catalogue is a filter, too.
+void QueryEngineTest::filterWithASizeStartsNoDownload()
+{
+    EngineEvents events(m_engine.data());
+    PackageInfo filter;
+    filter.name = "one";
+    filter.fileSize = 1024;
+    m_engine->queryUpdate(filter);
+    QTRY_COMPARE(events.count("queryFinished"), 1);
+    QCOMPARE(events.list.mid(1), QStringList({"packageFound [one two three]", "queryFinished"}));
+}
+
 void QueryEngineTest::secondStageCanBeCalledAlone()
 {
     EngineEvents events(m_engine.data());
@@ -551,6 +581,16 @@ void QueryEngineTest::secondStageCanBeCalledAlone()
     QTRY_COMPARE(events.count("callback [stored]"), 1);
     QVERIFY(m_engine->lastCatalogue.isEmpty());
     QVERIFY(input.isOpen());
+}
+
+void QueryEngineTest::secondStageNeedsNoRecord()
+{
+    EngineEvents events(m_engine.data());
+    QBuffer input;
+    input.setData(catalogue({"stored"}));
+    QVERIFY(input.open(QIODevice::ReadOnly));
+    m_engine->queryResult(&input, nullptr);
+    QCOMPARE(events.list, QStringList("packageFound [stored]"));
 }
 
 VX_TEST_MAIN(QueryEngineTest)

@@ -7,8 +7,7 @@
 #include "host/CoreQt/IOException.h"
 #include "host/IO/FileUtils.h"
 #include "tests/download/ChildProcess.h"
-#include "tests/download/DialogDriver.h"
-#include "tests/download/SeenBox.h"
+#include "tests/support/BoxWatcher.h"
 #include "tests/support/TestMain.h"
 
 using namespace vx;
@@ -20,7 +19,8 @@ namespace {
 std::function<void()> dialogFault;
 std::function<void()> folderFault;
 
-const QString reason("because");
+// Like markup, as the name of a file may be.
+const QString reason("<b>because</b>");
 
 void throwIOException()
 {
@@ -106,14 +106,15 @@ void ThrowingHostTest::init()
 
 void ThrowingHostTest::failingFolderIsToldAndThrown()
 {
-    SeenBox box;
-    const DialogDriver user([&box](QDialog* dialog) { return noteAndClose(dialog, box); });
+    const BoxWatcher boxes;
     folderFault = throwIOException;
     QCOMPARE(install(), "IOException " + reason);
-    QCOMPARE(user.handled(), 1);
+    QCOMPARE(boxes.seen().size(), 1);
+    const SeenBox box = boxes.seen().first();
     QCOMPARE(box.title, QString("Unpacking failed"));
     QCOMPARE(box.text, reason);
-    QVERIFY(!box.hasParent);
+    QCOMPARE(box.format, Qt::PlainText);
+    QVERIFY(box.parent == nullptr);
 }
 
 void ThrowingHostTest::onlyUnpackingTells_data()
@@ -130,11 +131,10 @@ void ThrowingHostTest::onlyUnpackingTells()
 {
     QFETCH(bool, fromDialog);
     QFETCH(bool, isIOException);
-    SeenBox box;
-    const DialogDriver user([&box](QDialog* dialog) { return noteAndClose(dialog, box); });
+    const BoxWatcher boxes;
     (fromDialog ? dialogFault : folderFault) = isIOException ? throwIOException : throwExceptionQt;
     QCOMPARE(install(), (isIOException ? "IOException " : "ExceptionQt ") + reason);
-    QCOMPARE(user.handled(), 0);
+    QCOMPARE(boxes.seen().size(), 0);
 }
 
 void ThrowingHostTest::otherExceptionsEndTheProcess_data()

@@ -4,16 +4,16 @@
 #include "host/IO/FileUtils.h"
 #include "tests/download/EngineEvents.h"
 #include "tests/download/EngineProbe.h"
-#include "tests/host/FileFormatsZip/ZipBuilder.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/ZipBuilder.h"
 
 using namespace vx;
 using namespace vx::test;
 
 namespace {
 
-/** The path that a host gives for a temporary folder, which need not exist. */
+/** The path that a host returns for a temporary folder, which need not exist. */
 QString givenFolder;
 
 } // namespace

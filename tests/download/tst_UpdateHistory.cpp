@@ -1,7 +1,7 @@
 #include <QtTest>
 
 #include "tests/download/EngineProbe.h"
-#include "tests/download/FixedClock.h"
+#include "tests/support/FixedClock.h"
 #include "tests/support/TestMain.h"
 
 using namespace vx;
@@ -140,8 +140,8 @@ void UpdateHistoryTest::storeWrittenByHand()
     const FixedClock clock(now);
     write("[General]\nver=1\n[Download]\n"
           "last-check=2026-03-30T08:15:00.250Z\nreg-check=true\nver=3\n"
-          "server-address=updates.example\nserver-port=8080\n"
-          "proxy-preference=1\nproxy-address=proxy.example\nproxy-port=3128\n" +
+          "server-address=updates.example.com\nserver-port=8080\n"
+          "proxy-preference=1\nproxy-address=proxy.example.com\nproxy-port=3128\n" +
           item(1, "1-2012-06-01T12:30:00-1024", "2026-01-02T03:04:05.678Z") +
           item(2, "\"1-2012-06-01T12:30:00-2048\"", "2025-12-31T23:00:00.000Z") + "hist\\size=2\n");
     QSettings settings(ini(), QSettings::IniFormat);
@@ -149,10 +149,10 @@ void UpdateHistoryTest::storeWrittenByHand()
     QCOMPARE(engine.lastCheck.toUTC(),
              QDateTime(QDate(2026, 3, 30), QTime(8, 15, 0, 250), Qt::UTC));
     QVERIFY(engine.isRegularCheck());
-    QCOMPARE(engine.server().server.address, QString("updates.example"));
+    QCOMPARE(engine.server().server.address, QString("updates.example.com"));
     QCOMPARE(engine.server().server.port, 8080);
     QCOMPARE(engine.server().proxyPreference, HttpHost::OwnProxy);
-    QCOMPARE(engine.server().proxy.address, QString("proxy.example"));
+    QCOMPARE(engine.server().proxy.address, QString("proxy.example.com"));
     QCOMPARE(engine.server().proxy.port, 3128);
     QCOMPARE(engine.updateHistory.size(), 2);
     QCOMPARE(engine.updateHistory.value("1-2012-06-01T12:30:00-1024").toUTC(),
@@ -178,23 +178,23 @@ void UpdateHistoryTest::layoutDecidesAboutTheServer()
     QFETCH(bool, migrates);
     EngineProbe engine;
     engine.serverPath = "/kept";
-    load(engine, layout + "reg-check=true\nserver-address=own.example\nserver-port=81\n"
-                          "proxy-preference=1\nproxy-address=proxy.example\nproxy-port=3128\n");
+    load(engine, layout + "reg-check=true\nserver-address=own.example.com\nserver-port=81\n"
+                          "proxy-preference=1\nproxy-address=proxy.example.com\nproxy-port=3128\n");
     const QUrl defaultServer(DownloadManager::UPDATE_URL);
     QCOMPARE(engine.serverHost.server.address,
-             migrates ? defaultServer.host() : QString("own.example"));
+             migrates ? defaultServer.host() : QString("own.example.com"));
     QCOMPARE(engine.serverHost.server.port, migrates ? defaultServer.port(80) : 81);
     QCOMPARE(int(engine.serverHost.proxyPreference), migrates ? 2 : 1);
     QCOMPARE(engine.serverPath,
              migrates ? HttpClient::encodedUrlPath(defaultServer) : QString("/kept"));
     // Everything else is carried over from any layout.
-    QCOMPARE(engine.serverHost.proxy.address, QString("proxy.example"));
+    QCOMPARE(engine.serverHost.proxy.address, QString("proxy.example.com"));
     QVERIFY(engine.isRegularCheck());
 }
 
 void UpdateHistoryTest::storesExactlyTheseKeys()
 {
-    EngineProbe engine(QUrl("http://updates.example:8080/"));
+    EngineProbe engine(QUrl("http://updates.example.com:8080/"));
     engine.lastCheck = now;
     engine.updateHistory.insert("1-a-1", now);
     store(engine);
@@ -229,8 +229,8 @@ void UpdateHistoryTest::formerKeyIsDropped()
 void UpdateHistoryTest::bothReadWhatTheyWrote()
 {
     const FixedClock clock(now);
-    EngineProbe written(QUrl("http://updates.example/"));
-    written.setProxy(HttpHost::OwnProxy, "proxy.example:3128");
+    EngineProbe written(QUrl("http://updates.example.com/"));
+    written.setProxy(HttpHost::OwnProxy, "proxy.example.com:3128");
     written.setRegularCheck(true);
     written.lastCheck = now.addSecs(-60);
     written.lastCatalogue = "<softwareList/>";
@@ -247,18 +247,18 @@ void UpdateHistoryTest::bothReadWhatTheyWrote()
     QCOMPARE(read.lastCheck, written.lastCheck);
     QCOMPARE(read.lastCatalogue, written.lastCatalogue);
     QCOMPARE(read.isRegularCheck(), true);
-    QCOMPARE(QString(read.server().server), QString("http://updates.example"));
-    QCOMPARE(QString(read.server().proxy), QString("http://proxy.example:3128"));
+    QCOMPARE(QString(read.server().server), QString("http://updates.example.com"));
+    QCOMPARE(QString(read.server().proxy), QString("http://proxy.example.com:3128"));
     QCOMPARE(read.server().proxyPreference, HttpHost::OwnProxy);
 }
 
 void UpdateHistoryTest::passwordsAreNotStored()
 {
     EngineProbe engine;
-    engine.serverHost.server = HttpAccess("updates.example", 80, "user", "secret1");
-    engine.serverHost.proxy = HttpAccess("proxy.example", 80, "user", "secret2");
+    engine.serverHost.server = HttpAccess("updates.example.com", 80, "user", "secret1");
+    engine.serverHost.proxy = HttpAccess("proxy.example.com", 80, "user", "secret2");
     store(engine);
-    QVERIFY(text().contains("updates.example"));
+    QVERIFY(text().contains("updates.example.com"));
     QVERIFY(!text().contains("secret"));
 }
 
@@ -267,7 +267,7 @@ void UpdateHistoryTest::groupStaysOpenAsItWas()
     QSettings settings(ini(), QSettings::IniFormat);
     settings.beginGroup("Host");
     settings.beginGroup("Updates");
-    EngineProbe written(QUrl("http://updates.example/"));
+    EngineProbe written(QUrl("http://updates.example.com/"));
     written.updateHistory.insert("1-b-2", QDateTime::currentDateTime());
     written.storeHistory(settings, QString());
     QCOMPARE(settings.group(), QString("Host/Updates"));
@@ -427,7 +427,7 @@ void UpdateHistoryTest::emptyHistoryStoresNoItems()
 void UpdateHistoryTest::hundredThousandItems()
 {
     const FixedClock clock(now);
-    EngineProbe written(QUrl("http://updates.example/"));
+    EngineProbe written(QUrl("http://updates.example.com/"));
     for (int i = 0; i < 100000; ++i) {
         written.updateHistory.insert(QStringLiteral("1-2012-06-01T12:30:00-%1").arg(i),
                                      now.addSecs(-i));
@@ -441,7 +441,7 @@ void UpdateHistoryTest::hundredThousandItems()
 
 void UpdateHistoryTest::seenPackagesStayKnown()
 {
-    EngineProbe first(QUrl("http://updates.example/"));
+    EngineProbe first(QUrl("http://updates.example.com/"));
     QCOMPARE(DownloadManager::countNew(deliver(first, onePackage)), 1);
     store(first);
     QSettings settings(ini(), QSettings::IniFormat);
@@ -451,7 +451,7 @@ void UpdateHistoryTest::seenPackagesStayKnown()
 
 void UpdateHistoryTest::unstoredPackagesAreNewAgain()
 {
-    EngineProbe first(QUrl("http://updates.example/"));
+    EngineProbe first(QUrl("http://updates.example.com/"));
     store(first);
     QCOMPARE(DownloadManager::countNew(deliver(first, onePackage)), 1);
     QSettings settings(ini(), QSettings::IniFormat);

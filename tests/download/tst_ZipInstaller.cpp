@@ -8,9 +8,9 @@
 #include "tests/download/ChildProcess.h"
 #include "tests/download/DialogDriver.h"
 #include "tests/download/EngineProbe.h"
-#include "tests/download/SeenBox.h"
-#include "tests/host/FileFormatsZip/ZipBuilder.h"
+#include "tests/support/BoxWatcher.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/ZipBuilder.h"
 
 using namespace vx;
 using namespace vx::test;
@@ -31,7 +31,8 @@ struct User
     QString offeredFolder;
     QString progressLabel;
     bool progressHasParent = true;
-    SeenBox box;
+    /** The message boxes, each left with Escape. */
+    BoxWatcher boxes;
 
     bool answer(QDialog* dialog);
 
@@ -48,7 +49,7 @@ bool User::answer(QDialog* dialog)
     if (auto* progress = qobject_cast<QProgressDialog*>(dialog)) {
         return watchProgress(progress);
     }
-    return noteAndClose(dialog, box);
+    return false;
 }
 
 bool User::chooseFolder(QFileDialog* dialog)
@@ -239,7 +240,7 @@ void ZipInstallerTest::failingStartReturnsSilently()
     const QStringList before = temporaryFolders();
     User user;
     install(user, writeArchive(path("package.zip"), m_archive));
-    QCOMPARE(user.box.text, QString());
+    QVERIFY(user.boxes.seen().isEmpty());
     QCOMPARE(temporaryFolders().size(), before.size() + 1);
     QVERIFY(QApplication::overrideCursor() != nullptr);
     QCOMPARE(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
@@ -290,12 +291,14 @@ void ZipInstallerTest::brokenArchiveIsToldAndThrown()
         message = exception.message();
     }
     QVERIFY(!message.isEmpty());
-    QCOMPARE(user.box.title, QString("Unpacking failed"));
-    QCOMPARE(user.box.text, message);
-    QCOMPARE(user.box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-    QCOMPARE(user.box.icon, QMessageBox::Critical);
-    QVERIFY(user.box.modal);
-    QVERIFY(!user.box.hasParent);
+    QCOMPARE(user.boxes.seen().size(), 1);
+    const SeenBox box = user.boxes.seen().first();
+    QCOMPARE(box.title, QString("Unpacking failed"));
+    QCOMPARE(box.text, message);
+    QCOMPARE(box.buttons, QStringList("OK"));
+    QCOMPARE(box.icon, QMessageBox::Critical);
+    QVERIFY(box.modal);
+    QVERIFY(box.parent == nullptr);
     for (QWidget* widget : QApplication::topLevelWidgets()) {
         QVERIFY(qobject_cast<QProgressDialog*>(widget) == nullptr);
     }
@@ -312,7 +315,7 @@ void ZipInstallerTest::exceptionCrossesAnInvocation()
                                                        Qt::DirectConnection,
                                                        Q_ARG(QString, archive)),
                              IOException);
-    QCOMPARE(user.box.title, QString("Unpacking failed"));
+    QCOMPARE(user.boxes.seen().value(0).title, QString("Unpacking failed"));
 }
 
 void ZipInstallerTest::copyStepTakesTheProcess_data()

@@ -16,7 +16,8 @@ struct Result
 };
 
 /** Runs the application to its end, with all that it may leave behind below @p folder. */
-Result run(const QStringList& arguments, const QTemporaryDir& folder)
+Result run(const QStringList& arguments, const QTemporaryDir& folder,
+           const QString& scaleFactor = QStringLiteral("1"))
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.remove(QStringLiteral("DISPLAY"));
@@ -26,6 +27,7 @@ Result run(const QStringList& arguments, const QTemporaryDir& folder)
         QDir(folder.path()).mkpath(name);
         environment.insert(name, folder.filePath(name));
     }
+    environment.insert(QStringLiteral("QT_SCALE_FACTOR"), scaleFactor);
     QProcess process;
     process.setProcessEnvironment(environment);
     process.setWorkingDirectory(folder.path());
@@ -48,7 +50,7 @@ QStringList filesBelow(const QString& folder)
 
 } // namespace
 
-class tst_CameraManager : public QObject
+class CameraManagerTest : public QObject
 {
     Q_OBJECT
 
@@ -63,39 +65,53 @@ private slots:
     void refusesWhatItDoesNotUnderstand();
 };
 
-void tst_CameraManager::tourShowsTheWholeFlow_data()
+void CameraManagerTest::tourShowsTheWholeFlow_data()
 {
     QTest::addColumn<QString>("language");
-    QTest::newRow("en") << "en";
-    QTest::newRow("de") << "de";
-    QTest::newRow("fr") << "fr";
+    QTest::addColumn<QString>("scaleFactor");
+    QTest::addColumn<QString>("hint");
+    QTest::newRow("en") << "en"
+                        << "1.25"
+                        << "Help > Check for Updates... looks for something newer.";
+    QTest::newRow("de") << "de"
+                        << "1.5"
+                        << "Hilfe > Nach Updates suchen... sucht nach etwas Neuerem.";
+    QTest::newRow("fr") << "fr"
+                        << "2"
+                        << QString::fromUtf8("Aide > Rechercher des mises à jour... cherche");
 }
 
-void tst_CameraManager::tourShowsTheWholeFlow()
+void CameraManagerTest::tourShowsTheWholeFlow()
 {
     QFETCH(QString, language);
+    QFETCH(QString, scaleFactor);
+    QFETCH(QString, hint);
     const QTemporaryDir folder;
-    const Result result = run({"--tour", "--out", "pictures/here", "--language", language}, folder);
+    const Result result =
+        run({"--tour", "--out", "pictures/here", "--language", language}, folder, scaleFactor);
     QVERIFY2(result.exitCode == 0, qPrintable(result.output + result.errors));
     for (const char* line :
          {"Congratulations! Your product is up-to-date!", "No update available!",
           "CameraManager 5.3 | 1.4 MB | mpkg | ", "Firmware Dome-24 4.2 | ",
           "After downloading the package, the installer will automatically exit and restart",
           "/CameraManager-5.3.mpkg", "Error downloading! Http status code 200",
-          "The second try succeeds", "All 18 steps happened. Pictures: pictures/here"}) {
+          "The second try succeeds", "a forged package is refused",
+          "The package that its publisher sealed is installed",
+          "All 20 steps happened. Pictures: pictures/here"}) {
         QVERIFY2(result.output.contains(QLatin1String(line)), line);
     }
+    QVERIFY2(result.output.contains(hint), qPrintable(result.output));
     const QDir pictures(folder.filePath("pictures/here"));
-    for (const char* name :
-         {"window", "settings", "up-to-date", "no-update", "all-languages", "update-available",
-          "confirmation", "progress", "installed", "broken-download", "recovered"}) {
+    for (const char* name : {"window", "settings", "up-to-date", "no-update", "all-languages",
+                             "update-available", "confirmation", "progress", "installed",
+                             "broken-download", "recovered", "forged-package", "sealed-package"}) {
         const QStringList files = pictures.entryList({QStringLiteral("*-%1.png").arg(name)});
         QCOMPARE(files.size(), 1);
         QVERIFY2(!QImage(pictures.filePath(files.constFirst())).isNull(), name);
     }
 }
 
-void tst_CameraManager::tourLeavesNothingBehind()
+void CameraManagerTest::tourLeavesNothingBehind()
 {
     const QTemporaryDir folder;
     const Result result = run({"--out", "pictures"}, folder);
@@ -105,7 +121,7 @@ void tst_CameraManager::tourLeavesNothingBehind()
     QCOMPARE(filesBelow(folder.path()), QStringList());
 }
 
-void tst_CameraManager::tourFailsWhenAStepDoesNotHappen()
+void CameraManagerTest::tourFailsWhenAStepDoesNotHappen()
 {
     const QTemporaryDir folder;
     const Result result = run({"--version", "5.3"}, folder);
@@ -115,7 +131,7 @@ void tst_CameraManager::tourFailsWhenAStepDoesNotHappen()
     QVERIFY(!result.output.contains("steps happened"));
 }
 
-void tst_CameraManager::tourFailsWithoutAPlaceForPictures()
+void CameraManagerTest::tourFailsWithoutAPlaceForPictures()
 {
     const QTemporaryDir folder;
     QFile file(folder.filePath("file"));
@@ -125,7 +141,7 @@ void tst_CameraManager::tourFailsWithoutAPlaceForPictures()
     QVERIFY(result.output.contains("Cannot save a picture in file/pictures"));
 }
 
-void tst_CameraManager::helpNamesEveryOption()
+void CameraManagerTest::helpNamesEveryOption()
 {
     const QTemporaryDir folder;
     const Result result = run({"--help"}, folder);
@@ -136,7 +152,7 @@ void tst_CameraManager::helpNamesEveryOption()
     }
 }
 
-void tst_CameraManager::refusesWhatItDoesNotUnderstand_data()
+void CameraManagerTest::refusesWhatItDoesNotUnderstand_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("complaint");
@@ -148,10 +164,11 @@ void tst_CameraManager::refusesWhatItDoesNotUnderstand_data()
     QTest::newRow("camera with a colon") << QStringList{"--camera", "a:b=1"} << "Not a camera";
     QTest::newRow("second camera")
         << QStringList{"--camera", "a=1", "--camera", "=1"} << "Not a camera: \"=1\"";
-    QTest::newRow("server on a tour") << QStringList{"--server", "http://a.example/"} << "--server";
+    QTest::newRow("server on a tour")
+        << QStringList{"--server", "http://a.example.com/"} << "--server";
 }
 
-void tst_CameraManager::refusesWhatItDoesNotUnderstand()
+void CameraManagerTest::refusesWhatItDoesNotUnderstand()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QString, complaint);
@@ -162,6 +179,6 @@ void tst_CameraManager::refusesWhatItDoesNotUnderstand()
     QVERIFY(result.output.isEmpty());
 }
 
-VX_TEST_MAIN(tst_CameraManager)
+VX_TEST_MAIN(CameraManagerTest)
 
 #include "tst_CameraManager.moc"

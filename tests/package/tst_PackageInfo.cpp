@@ -37,7 +37,7 @@ QVector<quintptr> addresses(const Fields&... fields)
 
 } // namespace
 
-class tst_PackageInfo : public QObject
+class PackageInfoTest : public QObject
 {
     Q_OBJECT
 
@@ -65,7 +65,7 @@ private slots:
     void fileName();
 };
 
-void tst_PackageInfo::startsEmpty()
+void PackageInfoTest::startsEmpty()
 {
     const PackageInfo package;
     for (const QString& text :
@@ -85,7 +85,7 @@ void tst_PackageInfo::startsEmpty()
     QVERIFY(!package.confirmInstall);
 }
 
-void tst_PackageInfo::takesItsArgumentsInOrder()
+void PackageInfoTest::takesItsArgumentsInOrder()
 {
     const PackageInfo package("Application", "viewer", "4.2", "STABLE", noon, {"Mac64"}, {"en"},
                               "mpkg", "Read me");
@@ -104,7 +104,7 @@ void tst_PackageInfo::takesItsArgumentsInOrder()
     QVERIFY(package.localFile.isNull());
 }
 
-void tst_PackageInfo::doesNotKeepThePublicNamesEqual()
+void PackageInfoTest::doesNotKeepThePublicNamesEqual()
 {
     PackageInfo package(QString(), "viewer", "4.2");
     package.name = "editor";
@@ -113,7 +113,7 @@ void tst_PackageInfo::doesNotKeepThePublicNamesEqual()
     QCOMPARE(package.publicRelease, QString("4.2"));
 }
 
-void tst_PackageInfo::declaresItsFieldsInOrder()
+void PackageInfoTest::declaresItsFieldsInOrder()
 {
     const PackageInfo p;
     const QVector<quintptr> places =
@@ -125,7 +125,7 @@ void tst_PackageInfo::declaresItsFieldsInOrder()
     QCOMPARE(sizeof(p.fileSize), sizeof(void*));
 }
 
-void tst_PackageInfo::copiesEveryField()
+void PackageInfoTest::copiesEveryField()
 {
     PackageInfo package("t", "n", "r", "s", noon, {"p"}, {"l"}, "zip", "c");
     package.publicName = "pn";
@@ -163,7 +163,7 @@ void tst_PackageInfo::copiesEveryField()
     }
 }
 
-void tst_PackageInfo::copyOutOfAListIsIndependent()
+void PackageInfoTest::copyOutOfAListIsIndependent()
 {
     PackageInfoList list;
     list.append(PackageInfo("Application"));
@@ -174,7 +174,7 @@ void tst_PackageInfo::copyOutOfAListIsIndependent()
     QCOMPARE(copy.type, QString("Camera Firmware"));
 }
 
-void tst_PackageInfo::keepsItsFlagsInOneWord()
+void PackageInfoTest::keepsItsFlagsInOneWord()
 {
     QCOMPARE(sizeof(PackageInfo::Flags), sizeof(quint32));
     PackageInfo package;
@@ -185,7 +185,7 @@ void tst_PackageInfo::keepsItsFlagsInOneWord()
     QCOMPARE(wordOf(package.flags), 2U);
 }
 
-void tst_PackageInfo::displayName_data()
+void PackageInfoTest::displayName_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("publicName");
@@ -204,7 +204,7 @@ void tst_PackageInfo::displayName_data()
                              << "" << true << "";
 }
 
-void tst_PackageInfo::displayName()
+void PackageInfoTest::displayName()
 {
     QFETCH(QString, name);
     QFETCH(QString, publicName);
@@ -215,7 +215,7 @@ void tst_PackageInfo::displayName()
     QTEST(package.displayName(usePublic), "shown");
 }
 
-void tst_PackageInfo::displayReleaseVersion_data()
+void PackageInfoTest::displayReleaseVersion_data()
 {
     QTest::addColumn<QString>("release");
     QTest::addColumn<QString>("publicRelease");
@@ -237,7 +237,7 @@ void tst_PackageInfo::displayReleaseVersion_data()
                                             << "" << false << "";
 }
 
-void tst_PackageInfo::displayReleaseVersion()
+void PackageInfoTest::displayReleaseVersion()
 {
     QFETCH(QString, release);
     QFETCH(QString, publicRelease);
@@ -248,7 +248,7 @@ void tst_PackageInfo::displayReleaseVersion()
     QTEST(package.displayReleaseVersion(usePublic), "shown");
 }
 
-void tst_PackageInfo::timeToString_data()
+void PackageInfoTest::timeToString_data()
 {
     QTest::addColumn<QDateTime>("date");
     QTest::addColumn<int>("format");
@@ -265,14 +265,14 @@ void tst_PackageInfo::timeToString_data()
         << midnight << int(Qt::TextDate) << midnight.date().toString(Qt::TextDate);
 }
 
-void tst_PackageInfo::timeToString()
+void PackageInfoTest::timeToString()
 {
     QFETCH(QDateTime, date);
     QFETCH(int, format);
     QTEST(withDateAndSize(date, 0).timeToString(static_cast<Qt::DateFormat>(format)), "shown");
 }
 
-void tst_PackageInfo::isInstallable_data()
+void PackageInfoTest::isInstallable_data()
 {
     QTest::addColumn<bool>("installable");
 
@@ -285,7 +285,7 @@ void tst_PackageInfo::isInstallable_data()
     }
 }
 
-void tst_PackageInfo::isInstallable()
+void PackageInfoTest::isInstallable()
 {
     const QString type = QTest::currentDataTag();
     QTEST(PackageInfo::isInstallable(type), "installable");
@@ -294,7 +294,7 @@ void tst_PackageInfo::isInstallable()
     QTEST(package.isInstallable(), "installable");
 }
 
-void tst_PackageInfo::stringID_data()
+void PackageInfoTest::stringID_data()
 {
     QTest::addColumn<QDateTime>("date");
     QTest::addColumn<quintptr>("size");
@@ -307,14 +307,14 @@ void tst_PackageInfo::stringID_data()
                               << QString("1--%1").arg(static_cast<qulonglong>(largest));
 }
 
-void tst_PackageInfo::stringID()
+void PackageInfoTest::stringID()
 {
     QFETCH(QDateTime, date);
     QFETCH(quintptr, size);
     QTEST(withDateAndSize(date, size).stringID(), "id");
 }
 
-void tst_PackageInfo::equality_data()
+void PackageInfoTest::equality_data()
 {
     QTest::addColumn<QDateTime>("date");
     QTest::addColumn<quintptr>("size");
@@ -326,7 +326,7 @@ void tst_PackageInfo::equality_data()
     QTest::newRow("milliseconds apart") << noon.addMSecs(1) << quintptr(10) << true;
 }
 
-void tst_PackageInfo::equality()
+void PackageInfoTest::equality()
 {
     QFETCH(QDateTime, date);
     QFETCH(quintptr, size);
@@ -338,7 +338,7 @@ void tst_PackageInfo::equality()
     QVERIFY(PackageInfo("a") == PackageInfo("b"));
 }
 
-void tst_PackageInfo::fileName_data()
+void PackageInfoTest::fileName_data()
 {
     QTest::addColumn<QString>("url");
     QTest::addColumn<QString>("fileName");
@@ -357,7 +357,7 @@ void tst_PackageInfo::fileName_data()
                              << "a b.zip";
 }
 
-void tst_PackageInfo::fileName()
+void PackageInfoTest::fileName()
 {
     QFETCH(QString, url);
     PackageInfo package;
@@ -365,5 +365,5 @@ void tst_PackageInfo::fileName()
     QTEST(package.fileName(), "fileName");
 }
 
-VX_TEST_MAIN(tst_PackageInfo)
+VX_TEST_MAIN(PackageInfoTest)
 #include "tst_PackageInfo.moc"

@@ -41,7 +41,7 @@ QStringList sorted(QStringList list)
 
 } // namespace
 
-class tst_PackageLists : public QObject
+class PackageListsTest : public QObject
 {
     Q_OBJECT
 
@@ -56,7 +56,7 @@ private slots:
     void keepsAnyTextWithoutTranslation();
 };
 
-void tst_PackageLists::givesEachEntryOnce()
+void PackageListsTest::givesEachEntryOnce()
 {
     for (const bool translated : {false, true}) {
         QCOMPARE(sorted(PackageInfo::allTypes(packages(), translated)),
@@ -70,7 +70,7 @@ void tst_PackageLists::givesEachEntryOnce()
     }
 }
 
-void tst_PackageLists::emptyListGivesNothing()
+void PackageListsTest::emptyListGivesNothing()
 {
     QVERIFY(PackageInfo::allTypes({}, true).isEmpty());
     QVERIFY(PackageInfo::allReleases({}, true).isEmpty());
@@ -78,7 +78,7 @@ void tst_PackageLists::emptyListGivesNothing()
     QVERIFY(PackageInfo::allPlatforms({}, true).isEmpty());
 }
 
-void tst_PackageLists::publicReleaseIsNotGathered()
+void PackageListsTest::publicReleaseIsNotGathered()
 {
     PackageInfo package("", "", "4.2");
     package.publicRelease = "V4";
@@ -88,7 +88,7 @@ void tst_PackageLists::publicReleaseIsNotGathered()
 }
 
 // No parser makes them, but hosts fill records on their own.
-void tst_PackageLists::emptyWordsAreKept()
+void PackageListsTest::emptyWordsAreKept()
 {
     const PackageInfoList list = {
         PackageInfo("", "", "", "", QDateTime(), {"", "Mac64"}, {"", "en"})};
@@ -98,7 +98,7 @@ void tst_PackageLists::emptyWordsAreKept()
     }
 }
 
-void tst_PackageLists::translatesTypesAndReleasesWhenAsked()
+void PackageListsTest::translatesTypesAndReleasesWhenAsked()
 {
     BracketTranslator translator;
     QCoreApplication::installTranslator(&translator);
@@ -110,7 +110,7 @@ void tst_PackageLists::translatesTypesAndReleasesWhenAsked()
     QVERIFY(translator.plainly);
 }
 
-void tst_PackageLists::languagesAndPlatformsIgnoreTheQuestion()
+void PackageListsTest::languagesAndPlatformsIgnoreTheQuestion()
 {
     BracketTranslator translator;
     QCoreApplication::installTranslator(&translator);
@@ -125,7 +125,7 @@ void tst_PackageLists::languagesAndPlatformsIgnoreTheQuestion()
     QCOMPARE(sorted(PackageInfo::allLanguages(list, false)), sorted(expected.values()));
 }
 
-void tst_PackageLists::passesTheSourceTextAsLatin1()
+void PackageListsTest::passesTheSourceTextAsLatin1()
 {
     BracketTranslator translator;
     QCoreApplication::installTranslator(&translator);
@@ -133,7 +133,7 @@ void tst_PackageLists::passesTheSourceTextAsLatin1()
     QCOMPARE(PackageInfo::allTypes({PackageInfo(word)}, true), QStringList({'[' + word + ']'}));
 }
 
-void tst_PackageLists::keepsAnyTextWithoutTranslation()
+void PackageListsTest::keepsAnyTextWithoutTranslation()
 {
     for (const char* word : {"M\xc3\xbcnchen", "\xe6\x9d\xb1\xe4\xba\xac", "50 %"}) {
         const QString text = QString::fromUtf8(word);
@@ -141,5 +141,5 @@ void tst_PackageLists::keepsAnyTextWithoutTranslation()
     }
 }
 
-VX_TEST_MAIN(tst_PackageLists)
+VX_TEST_MAIN(PackageListsTest)
 #include "tst_PackageLists.moc"

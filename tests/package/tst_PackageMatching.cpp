@@ -1,7 +1,7 @@
 #include <QtTest>
 
-#include "package/CandidateMatcher.h"
 #include "package/PackageInfo.h"
+#include "package/internal/CandidateMatcher.h"
 #include "tests/support/TestMain.h"
 
 using namespace vx;
@@ -15,7 +15,7 @@ const QDateTime day(QDate(2012, 6, 1), QTime(12, 0));
 /** A package that passes every filter below unless one field is made to fail. */
 PackageInfo camera()
 {
-    PackageInfo package("Camera Firmware", "fw", "4.2", "STABLE", day, {"CamOne", "CamTwo"},
+    PackageInfo package("Camera Firmware", "fw", "4.2", "STABLE", day, {"Dome-24", "Mini-12"},
                         {"en", "de"}, "zip");
     package.publicRelease = "0"; // which every filter by release would refuse
     return package;
@@ -31,13 +31,13 @@ PackageInfo publicReleaseAbove()
 
 PackageInfo everythingTested()
 {
-    return PackageInfo("another type", "fw", "4.1", "STABLE", day.addYears(1), {"CamOne"}, {"en"},
+    return PackageInfo("another type", "fw", "4.1", "STABLE", day.addYears(1), {"Dome-24"}, {"en"},
                        "another package type");
 }
 
 } // namespace
 
-class tst_PackageMatching : public QObject
+class PackageMatchingTest : public QObject
 {
     Q_OBJECT
 
@@ -55,7 +55,7 @@ private slots:
     void matcherKeepsItsOwnFilter();
 };
 
-void tst_PackageMatching::matchesPackageAlways_data()
+void PackageMatchingTest::matchesPackageAlways_data()
 {
     QTest::addColumn<QString>("first");
     QTest::addColumn<QString>("second");
@@ -71,7 +71,7 @@ void tst_PackageMatching::matchesPackageAlways_data()
                                 << "(?";
 }
 
-void tst_PackageMatching::matchesPackageAlways()
+void PackageMatchingTest::matchesPackageAlways()
 {
     QFETCH(QString, first);
     QFETCH(QString, second);
@@ -79,7 +79,7 @@ void tst_PackageMatching::matchesPackageAlways()
     QVERIFY(PackageInfo().matchesPackage(first, second));
 }
 
-void tst_PackageMatching::defaultFilterPassesEverything()
+void PackageMatchingTest::defaultFilterPassesEverything()
 {
     for (const PackageInfo& package : {camera(), PackageInfo(), everythingTested()}) {
         QVERIFY(package.matchesFilter(PackageInfo()));
@@ -87,7 +87,7 @@ void tst_PackageMatching::defaultFilterPassesEverything()
     }
 }
 
-void tst_PackageMatching::matchesFilter_data()
+void PackageMatchingTest::matchesFilter_data()
 {
     QTest::addColumn<PackageInfo>("filter");
     QTest::addColumn<bool>("matches");
@@ -116,13 +116,13 @@ void tst_PackageMatching::matchesFilter_data()
         << PackageInfo("x", "x", "", "", QDateTime(), {"x"}, {}, "x", "x") << true;
 }
 
-void tst_PackageMatching::matchesFilter()
+void PackageMatchingTest::matchesFilter()
 {
     QFETCH(PackageInfo, filter);
     QTEST(camera().matchesFilter(filter), "matches");
 }
 
-void tst_PackageMatching::packageWithoutLanguagesSharesNone()
+void PackageMatchingTest::packageWithoutLanguagesSharesNone()
 {
     PackageInfo bare = camera();
     bare.languages.clear();
@@ -131,7 +131,7 @@ void tst_PackageMatching::packageWithoutLanguagesSharesNone()
     QVERIFY(bare.matchesFilter(filter));
 }
 
-void tst_PackageMatching::packageWithoutDateIsEarlierThanAny()
+void PackageMatchingTest::packageWithoutDateIsEarlierThanAny()
 {
     for (const int year : {1965, 1970, 2012}) {
         PackageInfo filter;
@@ -140,7 +140,7 @@ void tst_PackageMatching::packageWithoutDateIsEarlierThanAny()
     }
 }
 
-void tst_PackageMatching::candidate_data()
+void PackageMatchingTest::candidate_data()
 {
     QTest::addColumn<PackageInfo>("filter");
     QTest::addColumn<QStringList>("fileTypes");
@@ -166,11 +166,11 @@ void tst_PackageMatching::candidate_data()
     add("unreadable release", release("none"), {}, R::None);
     add("another status", PackageInfo("", "", "", "BETA"), {}, R::Status);
     add("status in small letters", PackageInfo("", "", "", "stable"), {}, R::Status);
-    add("one platform of several", platforms({"CamTwo", "CamNine"}), {}, R::None);
-    add("beginning of a platform", platforms({"Cam"}), {}, R::None);
-    add("begun by a platform", platforms({"CamOneMkII"}), {}, R::None);
+    add("one platform of several", platforms({"Mini-12", "Mini-99"}), {}, R::None);
+    add("beginning of a platform", platforms({"Dome"}), {}, R::None);
+    add("begun by a platform", platforms({"Dome-24-Wide"}), {}, R::None);
     add("another platform", platforms({"Box"}), {}, R::Platforms);
-    add("platform in capitals", platforms({"CAMONE"}), {}, R::Platforms);
+    add("platform in capitals", platforms({"DOME-24"}), {}, R::Platforms);
     add("allowed type", PackageInfo(), {"mpkg", "zip"}, R::None);
     add("type not allowed", PackageInfo(), {"mpkg"}, R::FileType);
     add("type in capitals", PackageInfo(), {"ZIP"}, R::FileType);
@@ -179,7 +179,7 @@ void tst_PackageMatching::candidate_data()
         {}, R::None);
 }
 
-void tst_PackageMatching::candidate()
+void PackageMatchingTest::candidate()
 {
     QFETCH(PackageInfo, filter);
     QFETCH(QStringList, fileTypes);
@@ -193,9 +193,9 @@ void tst_PackageMatching::candidate()
     QCOMPARE(matcher.accepts(package), accepted);
 }
 
-void tst_PackageMatching::firstFailingTestIsNamed()
+void PackageMatchingTest::firstFailingTestIsNamed()
 {
-    const PackageInfo filter("", "fw", "4.1", "STABLE", QDateTime(), {"CamOne"});
+    const PackageInfo filter("", "fw", "4.1", "STABLE", QDateTime(), {"Dome-24"});
     const QStringList types = {"zip"};
     PackageInfo package("", "other", "4.0", "BETA", QDateTime(), {"Box"}, {}, "exe");
 
@@ -206,13 +206,13 @@ void tst_PackageMatching::firstFailingTestIsNamed()
     QCOMPARE(package.candidateRefusal(filter, types), CandidateRefusal::Status);
     package.status = "STABLE";
     QCOMPARE(package.candidateRefusal(filter, types), CandidateRefusal::Platforms);
-    package.platforms = QStringSet{"CamOne"};
+    package.platforms = QStringSet{"Dome-24"};
     QCOMPARE(package.candidateRefusal(filter, types), CandidateRefusal::FileType);
     package.packageType = "zip";
     QCOMPARE(package.candidateRefusal(filter, types), CandidateRefusal::None);
 }
 
-void tst_PackageMatching::matcherKeepsItsOwnFilter()
+void PackageMatchingTest::matcherKeepsItsOwnFilter()
 {
     PackageInfo filter("", "fw");
     const CandidateMatcher matcher(filter, {});
@@ -220,5 +220,5 @@ void tst_PackageMatching::matcherKeepsItsOwnFilter()
     QVERIFY(matcher.accepts(camera()));
 }
 
-VX_TEST_MAIN(tst_PackageMatching)
+VX_TEST_MAIN(PackageMatchingTest)
 #include "tst_PackageMatching.moc"

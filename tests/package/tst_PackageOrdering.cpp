@@ -29,7 +29,7 @@ PackageInfo calledInPublic(PackageInfo package, const char* publicRelease)
 
 } // namespace
 
-class tst_PackageOrdering : public QObject
+class PackageOrderingTest : public QObject
 {
     Q_OBJECT
 
@@ -40,7 +40,7 @@ private slots:
     void isBetterMatch();
 };
 
-void tst_PackageOrdering::compare_data()
+void PackageOrderingTest::compare_data()
 {
     QTest::addColumn<QString>("a");
     QTest::addColumn<QString>("b");
@@ -63,7 +63,7 @@ void tst_PackageOrdering::compare_data()
                                    << "0" << -1;
 }
 
-void tst_PackageOrdering::compare()
+void PackageOrderingTest::compare()
 {
     QFETCH(QString, a);
     QFETCH(QString, b);
@@ -74,7 +74,7 @@ void tst_PackageOrdering::compare()
     QCOMPARE(PackageInfo::compareRelease(a, b), -PackageInfo::compareVersion(a, b));
 }
 
-void tst_PackageOrdering::isBetterMatch_data()
+void PackageOrderingTest::isBetterMatch_data()
 {
     QTest::addColumn<PackageInfo>("one");
     QTest::addColumn<PackageInfo>("other");
@@ -99,12 +99,12 @@ void tst_PackageOrdering::isBetterMatch_data()
         true);
 }
 
-void tst_PackageOrdering::isBetterMatch()
+void PackageOrderingTest::isBetterMatch()
 {
     QFETCH(PackageInfo, one);
     QFETCH(PackageInfo, other);
     QTEST(one.isBetterMatch(other), "better");
 }
 
-VX_TEST_MAIN(tst_PackageOrdering)
+VX_TEST_MAIN(PackageOrderingTest)
 #include "tst_PackageOrdering.moc"

@@ -1,6 +1,6 @@
 #include <QtTest>
 
-#include "host/CoreQt/DeprecatedQt.h"
+#include "host/CoreQt/QtVersions.h"
 #include "package/PackageInfo.h"
 #include "tests/support/TestMain.h"
 
@@ -27,7 +27,7 @@ UrlMap keyed(const QStringList& keys)
 
 } // namespace
 
-class tst_TranslatedUrls : public QObject
+class TranslatedUrlsTest : public QObject
 {
     Q_OBJECT
 
@@ -39,7 +39,7 @@ private slots:
     void releaseNotesAndReadmeAreApart();
 };
 
-void tst_TranslatedUrls::choice_data()
+void TranslatedUrlsTest::choice_data()
 {
     QTest::addColumn<UrlMap>("urls");
     QTest::addColumn<QString>("language");
@@ -81,7 +81,7 @@ void tst_TranslatedUrls::choice_data()
                                 << "d";
 }
 
-void tst_TranslatedUrls::choice()
+void TranslatedUrlsTest::choice()
 {
     QFETCH(UrlMap, urls);
     QFETCH(QString, language);
@@ -90,7 +90,7 @@ void tst_TranslatedUrls::choice()
     QCOMPARE(PackageInfo::translatedUrl(urls, language, fallback), url(chosen));
 }
 
-void tst_TranslatedUrls::lastInsertedUrlOfAKeyIsGiven()
+void TranslatedUrlsTest::lastInsertedUrlOfAKeyIsGiven()
 {
     UrlMap urls;
     for (const char* name : {"first", "second", "third"}) {
@@ -103,12 +103,12 @@ void tst_TranslatedUrls::lastInsertedUrlOfAKeyIsGiven()
     QCOMPARE(PackageInfo::translatedUrl(urls, "it", "en"), url("third"));
 }
 
-void tst_TranslatedUrls::emptyMapGivesAnEmptyUrl()
+void TranslatedUrlsTest::emptyMapGivesAnEmptyUrl()
 {
     QVERIFY(PackageInfo::translatedUrl({}, "de", "en").isEmpty());
 }
 
-void tst_TranslatedUrls::releaseNotesAndReadmeAreApart()
+void TranslatedUrlsTest::releaseNotesAndReadmeAreApart()
 {
     PackageInfo package;
     package.relNotes.insert("de", url("notes"));
@@ -119,5 +119,5 @@ void tst_TranslatedUrls::releaseNotesAndReadmeAreApart()
     QVERIFY(PackageInfo().readmeUrl("de", "en").isEmpty());
 }
 
-VX_TEST_MAIN(tst_TranslatedUrls)
+VX_TEST_MAIN(TranslatedUrlsTest)
 #include "tst_TranslatedUrls.moc"

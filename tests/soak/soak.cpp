@@ -37,7 +37,7 @@ constexpr qint64 allowedGrowthKilobytes = 4096;
 
 const QByteArray catalogue =
     "<softwareList status=\"STABLE\"><package name=\"Soak\" release=\"2.0\" platform=\"Mac64\" "
-    "file-size=\"100000\" url=\"http://download.example/Soak.mpkg.zip\"/></softwareList>";
+    "file-size=\"100000\" url=\"http://download.example.com/Soak.mpkg.zip\"/></softwareList>";
 
 /** What the process holds of the system. */
 struct Resources
@@ -168,7 +168,7 @@ private:
         QObject::connect(&manager, &Manager::downloadAborted, end);
 
         vx::PackageInfo package;
-        package.url = QUrl("http://download.example/Soak.mpkg.zip");
+        package.url = QUrl("http://download.example.com/Soak.mpkg.zip");
         package.fileSize = 100000;
         manager.startDownload(package, m_folder.filePath("Soak.mpkg.zip"));
         if (m_random.bounded(4) == 0) {

@@ -1,10 +1,13 @@
 #include "tools/screenshots/DialogScenes.h"
 
 #include <QApplication>
+#include <QMessageBox>
+#include <QProgressDialog>
 #include <QTableWidget>
 
 #include "dialogs/SoftwareUpdateAvailableDialog.h"
 #include "dialogs/SoftwareUpdateDialog.h"
+#include "trust/internal/TrustTexts.h"
 
 namespace vx::screenshots {
 
@@ -73,10 +76,29 @@ QDialog* notified(const QString& text)
     return dialog;
 }
 
+// Asked for when the scene is built, so that the text is in the language of the look.
+QDialog* refused(SealOutcome outcome)
+{
+    return notified(refusalText(outcome));
+}
+
+QDialog* verifying()
+{
+    auto* dialog = new QProgressDialog;
+    dialog->setLabelText(verifyingText());
+    dialog->setValue(40);
+    return dialog;
+}
+
+QDialog* packageRefused(const QString& reason)
+{
+    return new QMessageBox(QMessageBox::Critical, packageRefusedTitle(), reason, QMessageBox::Ok);
+}
+
 QStringList row(int number)
 {
-    return {QStringLiteral("Camera Firmware M%1 5.%2.1").arg(10 + number).arg(number % 10),
-            QStringLiteral("%1.5 MB").arg(12 + number % 40), "zip", "de, en", "M10, M12"};
+    return {QStringLiteral("Camera Firmware Mini-%1 5.%2.1").arg(10 + number).arg(number % 10),
+            QStringLiteral("%1.5 MB").arg(12 + number % 40), "zip", "de, en", "Dome-24, Mini-12"};
 }
 
 SoftwareUpdateAvailableDialog* availableDialog(const QList<QStringList>& rows)
@@ -117,9 +139,10 @@ QDialog* longNames()
 {
     const QString name = "Camera Manager for the Observation of Very Large Sites Professional "
                          "Edition with Extended Recording 4.3.0.1234 BETA";
-    return availableDialog({{name, "1048576.0 MB", "mpkg", "de, en, es, fi, fr, it, nl, pl, ru",
-                             "Mac32, Mac64, MacPP, M10, M12, M15, M24, D14, S15, T25"},
-                            row(1)});
+    return availableDialog(
+        {{name, "1048576.0 MB", "mpkg", "de, en, es, fi, fr, it, nl, pl, ru",
+          "Mac32, Mac64, MacPP, Dome-24, Dome-24-Indoor, Dome-24-Wide, Mini-12, Mini-12-Indoor"},
+         row(1)});
 }
 
 void useFontSize(qreal points)
@@ -131,13 +154,13 @@ void useFontSize(qreal points)
 
 QPalette darkPalette()
 {
-    QPalette palette(QColor(53, 53, 53));
-    palette.setColor(QPalette::Base, QColor(35, 35, 35));
-    palette.setColor(QPalette::AlternateBase, QColor(45, 45, 45));
+    QPalette palette(QColor(78, 78, 78));
+    palette.setColor(QPalette::Base, QColor(28, 28, 28));
+    palette.setColor(QPalette::AlternateBase, QColor(40, 40, 40));
     palette.setColor(QPalette::Link, QColor(110, 170, 240));
     palette.setColor(QPalette::Highlight, QColor(42, 110, 180));
     palette.setColor(QPalette::HighlightedText, Qt::white);
-    palette.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(140, 140, 140));
+    palette.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(150, 150, 150));
     return palette;
 }
 
@@ -152,6 +175,17 @@ QList<Scene> scenes()
             {"settings-up-to-date",
              [] { return notified("Congratulations! Your product is up-to-date!"); }},
             {"settings-long-notification", [] { return notified(longNotification); }},
+            {"refused-no-seal", [] { return refused(SealOutcome::NoSeal); }},
+            {"refused-unreadable-seal", [] { return refused(SealOutcome::UnreadableSeal); }},
+            {"refused-unknown-key", [] { return refused(SealOutcome::UnknownKey); }},
+            {"refused-changed", [] { return refused(SealOutcome::Changed); }},
+            {"refused-bytes-behind", [] { return refused(SealOutcome::BytesBehind); }},
+            {"refused-older", [] { return refused(SealOutcome::Older); }},
+            {"refused-expired", [] { return refused(SealOutcome::Expired); }},
+            {"refused-from-future", [] { return refused(SealOutcome::FromFuture); }},
+            {"package-verifying", verifying},
+            {"package-differs", [] { return packageRefused(packageDiffersText()); }},
+            {"package-without-digest", [] { return packageRefused(packageWithoutDigestText()); }},
             {"available-0-rows", [] { return rowsOf(0); }},
             {"available-1-row", [] { return rowsOf(1); }},
             {"available-5-rows", [] { return rowsOf(5); }},
@@ -186,6 +220,9 @@ AppliedLook::AppliedLook(const Look& look)
 {
     if (m_translator.load(":/Translations/SoftwareUpdateClient_" + look.language + ".qm")) {
         QCoreApplication::installTranslator(&m_translator);
+    }
+    if (m_trustTranslator.load(":/trust/UpdateTrust_" + look.language + ".qm")) {
+        QCoreApplication::installTranslator(&m_trustTranslator);
     }
     useFontSize(m_previousPointSize * look.fontPercent / 100);
     if (look.dark) {

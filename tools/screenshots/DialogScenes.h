@@ -44,7 +44,7 @@ struct Look
 /** Every look that is worth looking at: each language in both font sizes, and one in the dark. */
 QList<Look> looks();
 
-/** Gives the application a look while the object lives, and then its old one back. */
+/** Applies a look to the application while the object lives, and then its old one back. */
 class AppliedLook
 {
 public:
@@ -55,6 +55,7 @@ public:
 
 private:
     QTranslator m_translator;
+    QTranslator m_trustTranslator;
     qreal m_previousPointSize;
     QPalette m_previousPalette;
 };

@@ -26,7 +26,7 @@ struct Answer
 class HttpListener : private httplib::Server
 {
 public:
-    /** Gives the answer to a request; called on the threads of the pool, at the same time. */
+    /** Returns the answer to a request; called on the threads of the pool, at the same time. */
     using Responder = std::function<Answer(const ServedRequest&)>;
 
     explicit HttpListener(Responder responder);

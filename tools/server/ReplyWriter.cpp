@@ -86,6 +86,22 @@ void delayAnswer(const ServedReply& reply, ConnectionStream& stream)
     }
 }
 
+/** Sends the answer past the HTTP library, which then sends nothing. */
+void writeRaw(const ServedReply& reply, ConnectionStream& stream)
+{
+    const std::string line = "X-Endless: 0123456789abcdef0123456789abcdef\r\n";
+    bool isOpen = stream.write(reply.body.constData(), size_t(reply.body.size())) >= 0;
+    while (isOpen && reply.fault == ServedReply::EndlessHeader) {
+        isOpen = stream.write(line.data(), line.size()) >= 0;
+    }
+    stream.mute();
+}
+
+bool isRaw(const ServedReply& reply)
+{
+    return reply.fault == ServedReply::Raw || reply.fault == ServedReply::EndlessHeader;
+}
+
 } // namespace
 
 void writeAnswer(const Answer& answer, httplib::Request& request, ConnectionStream& stream,
@@ -97,6 +113,10 @@ void writeAnswer(const Answer& answer, httplib::Request& request, ConnectionStre
     }
     request.ranges.clear();
     delayAnswer(answer.reply, stream);
+    if (isRaw(answer.reply)) {
+        writeRaw(answer.reply, stream);
+        return;
+    }
     writeReply(answer.reply, stream, response);
 }
 

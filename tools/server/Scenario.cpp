@@ -5,7 +5,11 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <memory>
+#include <optional>
 
+#include "tools/server/BrokenAnswers.h"
+#include "tools/server/SealedScenario.h"
 #include "tools/server/ServedFile.h"
 
 namespace vx {
@@ -65,7 +69,7 @@ ServedReply upToDate(const Stage& stage, const ServedRequest& request)
     return catalogueInstead(stage, request,
                             "<softwareList><package type=\"Application\" name=\"Another product\""
                             " platform=\"AnotherPlatform\" release=\"0.1\" status=\"STABLE\""
-                            " url=\"http://download.example/another.mpkg.zip\""
+                            " url=\"http://download.example.com/another.mpkg.zip\""
                             " file-size=\"1\"/></softwareList>\n");
 }
 
@@ -110,12 +114,18 @@ ServedReply silent(const Stage&, const ServedRequest&)
     return reply;
 }
 
+/** Whether @p reply is a package, so that a scenario may break it. */
+bool isPackage(const ServedRequest& request, const ServedReply& reply)
+{
+    return !asksForCatalogue(request) && reply.status == 200;
+}
+
 /** A package that breaks off after @p percent of its bytes. */
 ServedReply brokenPackage(const Stage& stage, const ServedRequest& request,
                           ServedReply::Fault fault, int percent)
 {
     ServedReply reply = asItIs(stage, request);
-    if (!asksForCatalogue(request) && reply.status == 200) {
+    if (isPackage(request, reply)) {
         reply.fault = fault;
         reply.bytesBeforeFault = qint64(reply.body.size()) * percent / 100;
     }
@@ -162,29 +172,76 @@ ServedReply captivePortal(const Stage&, const ServedRequest&)
                 "<form action=\"/login\"><input name=user><button>Sign in</button></form>\n");
 }
 
+ServedReply redirect308(const Stage& stage, const ServedRequest& request)
+{
+    ServedReply reply = redirect(stage, request);
+    reply.status = reply.status == 302 ? 308 : reply.status;
+    return reply;
+}
+
+ServedReply earlyHints(const Stage& stage, const ServedRequest& request)
+{
+    return afterEarlyHints(asItIs(stage, request));
+}
+
+ServedReply endlessHeaders(const Stage&, const ServedRequest&)
+{
+    return withEndlessHeader();
+}
+
+ServedReply missingLastChunk(const Stage& stage, const ServedRequest& request)
+{
+    const ServedReply reply = asItIs(stage, request);
+    return isPackage(request, reply) ? withoutLastChunk(reply) : reply;
+}
+
+ServedReply wrongLength(const Stage& stage, const ServedRequest& request)
+{
+    const ServedReply reply = asItIs(stage, request);
+    return isPackage(request, reply) ? withHalfTheLength(reply) : reply;
+}
+
 struct Scenario
 {
     const char* name;
     const char* description;
     Play play;
+    /** Set if it is about signatures; play is then that of the plain files. */
+    std::optional<SealPlay> seal = std::nullopt;
 };
 
-constexpr std::array<Scenario, 14> scenarios = {{
+constexpr std::array<Scenario, 25> scenarios = {{
     {"as-it-is", "the folder as it is", asItIs},
     {"up-to-date", "a catalogue that holds nothing for this product", upToDate},
     {"empty", "a catalogue without any package", emptyCatalogue},
     {"malformed", "a catalogue that breaks off in the middle of a tag", malformed},
     {"redirect", "the catalogue is found after one redirect", redirect},
     {"redirect-loop", "the catalogue redirects to itself", redirectLoop},
+    {"redirect-308", "the catalogue redirects with a status that a check does not follow",
+     redirect308},
     {"silent", "requests are accepted and never answered", silent},
     {"short", "a package's connection is closed halfway", shortPackage},
     {"long-404", "a package is answered with a 404 page longer than the package", long404},
     {"stall-at-99", "a package stops at 99 percent and the connection stays open", stallAt99},
     {"reset", "a package's connection is reset halfway", resetPackage},
+    {"missing-last-chunk", "a package comes in chunks, and the mark of their end is missing",
+     missingLastChunk},
+    {"wrong-length", "a package is announced with half of its length", wrongLength},
+    {"early-hints", "an interim answer 103 comes before every answer", earlyHints},
+    {"endless-headers", "the header of every answer has no end", endlessHeaders},
     {"captive-portal", "everything is answered with a sign-in page", captivePortal},
     {"slow", "a package takes five seconds", slowPackage},
     {"proxy-password", "as a proxy, asks for the user \"user\" with the password \"secret\"",
      asItIs},
+    {"signed", "a catalogue that is sealed, with the digests of the packages", asItIs,
+     SealPlay::Signed},
+    {"unsigned", "the same catalogue without its seal", asItIs, SealPlay::Unsigned},
+    {"forged", "a catalogue that was changed after it was sealed", asItIs, SealPlay::Forged},
+    {"replayed", "a sealed catalogue, and an older one from the second request on", asItIs,
+     SealPlay::Replayed},
+    {"expired", "a sealed catalogue whose time is over", asItIs, SealPlay::Expired},
+    {"package-exchanged", "a sealed catalogue, and packages that are not the ones it names", asItIs,
+     SealPlay::PackageExchanged},
 }};
 
 const Scenario* findScenario(const QString& name)
@@ -194,6 +251,15 @@ const Scenario* findScenario(const QString& name)
             return name == QLatin1String(scenario.name);
         });
     return found == scenarios.end() ? nullptr : &*found;
+}
+
+UpdateServer::Handler sealing(const Stage& stage, SealPlay play, const SigningKey& key)
+{
+    const auto scenario = std::make_shared<SealedScenario>(play, key, stage.folder);
+    return [stage, scenario](const ServedRequest& request) {
+        const ServedReply reply = asItIs(stage, request);
+        return asksForCatalogue(request) ? scenario->catalogue(reply) : scenario->package(reply);
+    };
 }
 
 } // namespace
@@ -212,7 +278,19 @@ QString scenarioDescription(const QString& name)
     return scenario != nullptr ? QString::fromLatin1(scenario->description) : QString();
 }
 
+bool isAboutSignatures(const QString& name)
+{
+    const Scenario* scenario = findScenario(name);
+    return scenario != nullptr && scenario->seal.has_value();
+}
+
 bool applyScenario(UpdateServer& server, const QString& name, const QString& folder)
+{
+    return applyScenario(server, name, folder, SigningKey::generate());
+}
+
+bool applyScenario(UpdateServer& server, const QString& name, const QString& folder,
+                   const SigningKey& key)
 {
     const Scenario* scenario = findScenario(name);
     if (scenario == nullptr) {
@@ -221,8 +299,12 @@ bool applyScenario(UpdateServer& server, const QString& name, const QString& fol
     const bool locked = name == QLatin1String("proxy-password");
     server.setProxyPassword(locked ? QLatin1String(proxyUser) : QString(),
                             locked ? QLatin1String(proxyPassword) : QString());
-    server.setHandler([stage = Stage{server, folder}, play = scenario->play](
-                          const ServedRequest& request) { return play(stage, request); });
+    const Stage stage{server, folder};
+    server.setHandler(scenario->seal
+                          ? sealing(stage, *scenario->seal, key)
+                          : [stage, play = scenario->play](const ServedRequest& request) {
+                                return play(stage, request);
+                            });
     return true;
 }
 

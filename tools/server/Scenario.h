@@ -4,6 +4,7 @@
 #include <QStringList>
 
 #include "tools/server/UpdateServer.h"
+#include "tools/signing/SigningKey.h"
 
 namespace vx {
 
@@ -19,14 +20,22 @@ QStringList scenarioNames();
 /** One line about @p name for people; empty if there is no such scenario. */
 QString scenarioDescription(const QString& name);
 
+/** Whether @p name is about signatures, so that a client wants the public key of the server. */
+bool isAboutSignatures(const QString& name);
+
 /**
  * Makes @p server play @p name with the files of @p folder.
  *
  * Can be called while the server runs, and again with another name. It replaces the handler and the
  * proxy password of the server; replies set for single paths still come first.
  *
+ * @param key what catalogues are sealed with where the scenario is about signatures.
  * @return false, with the server left alone, if there is no such scenario.
  */
+bool applyScenario(UpdateServer& server, const QString& name, const QString& folder,
+                   const SigningKey& key);
+
+/** The same with a key that nobody knows. */
 bool applyScenario(UpdateServer& server, const QString& name, const QString& folder);
 
 } // namespace vx

@@ -11,7 +11,7 @@ namespace vx {
 QString fileBelow(const QString& folder, const QString& path);
 
 /** Fills @p response with the file @p name, or with the one range of it that @p request asks for.
-    Several ranges at once give the whole file. */
+    Several ranges at once yield the whole file. */
 void writeFile(const QString& name, httplib::Request& request, httplib::Response& response);
 
 } // namespace vx

@@ -43,7 +43,12 @@ struct ServedReply
         /** The request is read and never answered; ends as Stall does. */
         Silent,
         /** The body is sent in small pieces, spread over delayMs. */
-        Slow
+        Slow,
+        /** The body is the whole answer, from its status line on; status and headers are not
+            used. The connection is closed behind it. */
+        Raw,
+        /** As Raw, with lines of a header behind it until the client goes or the server stops. */
+        EndlessHeader
     };
 
     /** The HTTP status code. */
@@ -67,8 +72,8 @@ struct ServedReply
  * It answers GET and HEAD (any other method is handed on as well, its body is not read), one
  * request per connection, and fails on request in the ways in which real servers fail. Asked as a
  * forward proxy it answers by itself for every host, so that a package "on port 80 of
- * download.example" can be served without that host and without the right to open port 80. Tunnels
- * (CONNECT) get status 501.
+ * download.example.com" can be served without that host and without the right to open port 80.
+ * Tunnels (CONNECT) get status 501.
  *
  * The answer to a path is, in this order: the reply set for the path, the handler's, the file of
  * that path below the folder, status 404.

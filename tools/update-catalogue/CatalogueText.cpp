@@ -59,14 +59,14 @@ private:
 
     bool skipSpecialMarkup()
     {
-        const QStringRef rest = m_text.midRef(m_at, 9);
-        if (rest.startsWith("<!--")) {
+        const QStringView rest = QStringView(m_text).mid(m_at, 9);
+        if (rest.startsWith(QLatin1String("<!--"))) {
             moveBehind("-->");
-        } else if (rest.startsWith("<![CDATA[")) {
+        } else if (rest.startsWith(QLatin1String("<![CDATA["))) {
             moveBehind("]]>");
-        } else if (rest.startsWith("<?")) {
+        } else if (rest.startsWith(QLatin1String("<?"))) {
             moveBehind("?>");
-        } else if (rest.startsWith("<!")) {
+        } else if (rest.startsWith(QLatin1String("<!"))) {
             skipDocumentType();
         } else {
             return false;

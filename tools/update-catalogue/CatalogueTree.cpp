@@ -3,6 +3,8 @@
 #include <QBuffer>
 
 #include "download/DownloadManager.h"
+#include "host/CoreQt/QtVersions.h"
+#include "host/CoreQt/StringUtils.h"
 #include "host/FileFormatsXml/XmlUtils.h"
 #include "tools/update-catalogue/CatalogueVocabulary.h"
 
@@ -34,6 +36,12 @@ int countStartTags(const QDomElement& element)
     return count;
 }
 
+/** Whether anybody looks for a field called @p name at @p level. */
+bool isReadAt(const TreeLevel& level, const QString& name)
+{
+    return isField(name) || (level.kind != TreeLevel::Set && packageFields().contains(name));
+}
+
 PackageInfoList readWithLibrary(const QByteArray& bytes)
 {
     QBuffer buffer;
@@ -51,6 +59,16 @@ QDomDocument* parseDocument(const QByteArray& bytes)
 }
 
 } // namespace
+
+QStringSet wordsAt(const TreeLevel& level, const QString& field)
+{
+    QStringSet words;
+    for (const FieldValue& value : level.fields.value(field)) {
+        words.unite(
+            StringUtils::splitStringSet(value.text, StringUtils::splitWords, skipEmptyParts));
+    }
+    return words;
+}
 
 QString CataloguePackage::label() const
 {
@@ -71,7 +89,8 @@ FieldOrigin CataloguePackage::find(const QString& tag) const
 }
 
 CatalogueTree::CatalogueTree(const CatalogueSource& source)
-    : m_document(parseDocument(source.bytes))
+    : m_bytes(source.bytes)
+    , m_document(parseDocument(source.bytes))
 {
     const QDomElement root = m_document->documentElement();
     QVector<TextPosition> positions = startTagPositions(decodeCatalogue(source.bytes));
@@ -166,15 +185,18 @@ void CatalogueTree::readFields(TreeLevel& level)
         readChild(level, child);
     }
     readAttributes(level);
+    readStrayText(level.element);
 }
 
 void CatalogueTree::readChild(TreeLevel& level, const QDomElement& child)
 {
     const QString name = child.tagName();
-    if (isField(name)) {
+    if (isReadAt(level, name)) {
         level.fields[name].append({child.text(), false, positionOf(child), child});
         if (urlFields().contains(name)) {
             readUrlEntry(child);
+        } else {
+            readText(child);
         }
     } else if (name == DownloadManager::PACKAGE || name == DownloadManager::PACKAGE_SET) {
         if (level.kind != TreeLevel::Set) {
@@ -194,7 +216,7 @@ void CatalogueTree::readAttributes(TreeLevel& level)
     const QDomNamedNodeMap attributes = level.element.attributes();
     for (int i = 0; i < attributes.count(); ++i) {
         const QDomAttr attribute = attributes.item(i).toAttr();
-        if (isField(attribute.name())) {
+        if (isReadAt(level, attribute.name())) {
             level.fields[attribute.name()].append(
                 {attribute.value(), true, level.position, QDomElement()});
         } else if (!attribute.name().startsWith("xml")) {
@@ -209,10 +231,10 @@ void CatalogueTree::noteStray(StrayMarkup::Kind kind, const QDomElement& element
     const QDomElement parent =
         kind == StrayMarkup::UnknownAttribute ? element : element.parentNode().toElement();
     m_strays.append({kind, name, parent.tagName(), positionOf(element)});
-    if (kind != StrayMarkup::UnknownElement) {
+    if (kind != StrayMarkup::UnknownElement && kind != StrayMarkup::MarkupInText) {
         return;
     }
-    // Packages below an element that nobody knows are lost with it.
+    // Packages below an element that nobody knows, or that is read as text, are lost with it.
     for (const QDomElement& child : childElements(element)) {
         if (child.tagName() == DownloadManager::PACKAGE ||
             child.tagName() == DownloadManager::PACKAGE_SET) {
@@ -225,15 +247,38 @@ void CatalogueTree::readUrlEntry(const QDomElement& element)
 {
     const QStringList known{DownloadManager::LANGUAGE, DownloadManager::URL};
     for (const QDomElement& child : childElements(element)) {
-        if (!known.contains(child.tagName())) {
+        if (known.contains(child.tagName())) {
+            readText(child);
+        } else {
             noteStray(StrayMarkup::UnknownElement, child, child.tagName());
         }
     }
+    readStrayText(element);
     const QDomNamedNodeMap attributes = element.attributes();
     for (int i = 0; i < attributes.count(); ++i) {
         const QString name = attributes.item(i).toAttr().name();
         if (!known.contains(name) && !name.startsWith("xml")) {
             noteStray(StrayMarkup::UnknownAttribute, element, name);
+        }
+    }
+}
+
+void CatalogueTree::readText(const QDomElement& element)
+{
+    for (const QDomElement& child : childElements(element)) {
+        const bool isPackage = child.tagName() == DownloadManager::PACKAGE ||
+                               child.tagName() == DownloadManager::PACKAGE_SET;
+        noteStray(isPackage ? StrayMarkup::Unvisited : StrayMarkup::MarkupInText, child,
+                  child.tagName());
+    }
+}
+
+void CatalogueTree::readStrayText(const QDomElement& element)
+{
+    for (QDomNode node = element.firstChild(); !node.isNull(); node = node.nextSibling()) {
+        const QString text = node.isText() ? node.toText().data().simplified() : QString();
+        if (!text.isEmpty()) {
+            m_strays.append({StrayMarkup::StrayText, text, element.tagName(), positionOf(element)});
         }
     }
 }

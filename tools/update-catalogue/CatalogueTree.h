@@ -41,6 +41,9 @@ struct TreeLevel
     int packageCount = 0;
 };
 
+/** The words that @p level itself gives for @p field, split as the library splits them. */
+QStringSet wordsAt(const TreeLevel& level, const QString& field);
+
 /** Where a single-valued field was found. */
 struct FieldOrigin
 {
@@ -69,9 +72,17 @@ struct CataloguePackage
 /** Something in the document that is no field, set, package or file where it stands. */
 struct StrayMarkup
 {
-    enum Kind { UnknownElement, UnknownAttribute, Unvisited, FurtherFile };
+    enum Kind {
+        UnknownElement,
+        UnknownAttribute,
+        Unvisited,
+        FurtherFile,
+        MarkupInText, ///< an element inside a field that is read as text
+        StrayText     ///< text between elements
+    };
 
     Kind kind;
+    /** Of the element or attribute; of StrayText the text. */
     QString name;
     /** The element that holds it. */
     QString parentName;
@@ -98,6 +109,9 @@ public:
     /** What nobody reads. */
     const QList<StrayMarkup>& strays() const { return m_strays; }
 
+    /** The document that was read. */
+    const QByteArray& bytes() const { return m_bytes; }
+
     /** Where @p element begins. */
     TextPosition positionOf(const QDomElement& element) const;
 
@@ -111,7 +125,10 @@ private:
     void readAttributes(TreeLevel& level);
     void noteStray(StrayMarkup::Kind kind, const QDomElement& element, const QString& name);
     void readUrlEntry(const QDomElement& element);
+    void readText(const QDomElement& element);
+    void readStrayText(const QDomElement& element);
 
+    QByteArray m_bytes;
     std::unique_ptr<QDomDocument> m_document;
     QMap<QPair<int, int>, TextPosition> m_positions;
     std::vector<std::unique_ptr<TreeLevel>> m_levels;

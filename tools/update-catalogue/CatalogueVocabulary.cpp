@@ -1,43 +1,18 @@
 #include "tools/update-catalogue/CatalogueVocabulary.h"
 
-#include <algorithm>
-#include <numeric>
-#include <vector>
-
 #include "download/DownloadManager.h"
+#include "tools/update-catalogue/Spelling.h"
+#include "trust/internal/PackageDigests.h"
 
 namespace vx {
 
 namespace {
 
-/** How many letters have to be put in, taken out or exchanged to make one text of the other. */
-int editDistance(const QString& a, const QString& b)
-{
-    std::vector<int> row(static_cast<size_t>(b.size()) + 1);
-    std::iota(row.begin(), row.end(), 0);
-    for (const QChar letter : a) {
-        int diagonal = row[0]++;
-        for (int j = 0; j < b.size(); ++j) {
-            const auto at = static_cast<size_t>(j);
-            const int exchanged = diagonal + (letter == b.at(j) ? 0 : 1);
-            diagonal = row[at + 1];
-            row[at + 1] = std::min({exchanged, row[at] + 1, row[at + 1] + 1});
-        }
-    }
-    return row.back();
-}
-
 QStringList knownNames()
 {
-    return singleFields() + wordFields() + urlFields() +
+    return singleFields() + wordFields() + urlFields() + packageFields() +
            QStringList{DownloadManager::PACKAGE_SET, DownloadManager::PACKAGE,
                        DownloadManager::FILE};
-}
-
-/** "releaseDate", "release_date" and "Release-Date" all mean "release-date". */
-QString withoutStyle(const QString& name)
-{
-    return name.toLower().remove('-').remove('_').remove('.');
 }
 
 } // namespace
@@ -67,6 +42,12 @@ const QStringList& wordFields()
 const QStringList& urlFields()
 {
     static const QStringList fields{DownloadManager::RELEASE_NOTES, DownloadManager::README};
+    return fields;
+}
+
+const QStringList& packageFields()
+{
+    static const QStringList fields{packageDigestTag};
     return fields;
 }
 

@@ -14,7 +14,10 @@ const QStringList& wordFields();
 /** Fields that hold addresses by language. */
 const QStringList& urlFields();
 
-/** Whether the library looks for a field of this name. */
+/** Fields that count at a package or its file only, and are not inherited. */
+const QStringList& packageFields();
+
+/** Whether the library looks for a field of this name at every level. */
 bool isField(const QString& name);
 
 /** The known element or field whose name is nearest to @p name, or nothing if none is near. */

@@ -19,7 +19,8 @@ void printOverview(Terminal& terminal)
         terminal.line(QString("  %1 %2").arg(command.name, -8).arg(command.summary));
     }
     terminal.line();
-    terminal.line(QString("%1 COMMAND --help tells more.").arg(programName));
+    terminal.line(
+        QString("%1 COMMAND --help tells more, %1 --version which one this is.").arg(programName));
     terminal.line("Exit code: 0 fine, 1 findings, 2 usage, 3 unreadable.");
 }
 
@@ -69,23 +70,36 @@ const Command* findCommand(const QString& name)
     return nullptr;
 }
 
-ExitCode runCommandLine(const QStringList& arguments, Terminal& terminal)
+namespace {
+
+ExitCode runNamed(const QStringList& arguments, Terminal& terminal)
 {
     const QString name = arguments.value(1);
     if (name == "--help" || name == "-h" || name == "help") {
         printOverview(terminal);
         return ExitFine;
     }
+    if (name == "--version") {
+        terminal.line(QString("%1 %2").arg(programName, VX_VERSION));
+        return ExitFine;
+    }
     const Command* command = findCommand(name);
     if (command == nullptr) {
-        reportFailure(name.isEmpty() ? QString("which command? Try --help")
-                                     : QString("no command \"%1\". Try --help").arg(name));
-        return ExitUsage;
+        throw CommandFailure(ExitUsage, name.isEmpty()
+                                            ? QString("which command? Try --help")
+                                            : QString("no command \"%1\". Try --help").arg(name));
     }
     QStringList rest = arguments;
     rest.removeAt(1);
+    return run(*command, rest, terminal);
+}
+
+} // namespace
+
+ExitCode runCommandLine(const QStringList& arguments, Terminal& terminal)
+{
     try {
-        return run(*command, rest, terminal);
+        return runNamed(arguments, terminal);
     } catch (const CommandFailure& failure) {
         reportFailure(failure.message());
         return failure.exitCode;

@@ -5,7 +5,8 @@ namespace vx {
 const QList<Command>& allCommands()
 {
     static const QList<Command> commands{lintCommand,  explainCommand, matrixCommand, diffCommand,
-                                         serveCommand, previewCommand, reportCommand};
+                                         serveCommand, previewCommand, reportCommand, hashCommand,
+                                         sealCommand,  unsealCommand,  verifyCommand};
     return commands;
 }
 

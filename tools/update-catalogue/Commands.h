@@ -18,5 +18,13 @@ extern const Command serveCommand;
 extern const Command previewCommand;
 /** report/ReportCommand.cpp */
 extern const Command reportCommand;
+/** signing/HashCommand.cpp */
+extern const Command hashCommand;
+/** signing/SealCommand.cpp */
+extern const Command sealCommand;
+/** signing/UnsealCommand.cpp */
+extern const Command unsealCommand;
+/** signing/VerifyCommand.cpp */
+extern const Command verifyCommand;
 
 } // namespace vx

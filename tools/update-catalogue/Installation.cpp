@@ -2,7 +2,7 @@
 
 #include <QRegularExpression>
 
-#include "package/ReleaseNumber.h"
+#include "base/ReleaseNumber.h"
 #include "tools/update-catalogue/Command.h"
 
 namespace vx {

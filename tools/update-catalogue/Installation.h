@@ -4,7 +4,7 @@
 #include <QList>
 #include <QString>
 
-#include "client/OfferSelection.h"
+#include "client/internal/OfferSelection.h"
 
 namespace vx {
 
@@ -20,7 +20,7 @@ struct Installation
 
 using InstallationList = QList<Installation>;
 
-/** The words of @p text, separated by blanks, commas or semicolons. */
+/** The words of @p text, separated by spaces, commas or semicolons. */
 QStringList splitWordList(const QString& text);
 
 /** @p text of the form NAME=VERSION. @throws CommandFailure with @p code */
@@ -38,10 +38,11 @@ Installation installationFrom(const QCommandLineParser& parser);
 /**
  * Reads a list of installations: comma-separated values (RFC 4180, UTF-8) with a header line. The
  * columns are found by their names: name, version, platforms, cameras and, if wanted, beta, types,
- * count and label. Words in a cell are separated by blanks or semicolons, cameras are NAME=VERSION.
+ * count and label. Words in a cell are separated by spaces or semicolons, cameras are NAME=VERSION.
  * Empty platforms and types are the client's own.
  *
- * @throws CommandFailure with ExitUnreadable that names the line.
+ * @throws CommandFailure that names line and column: with ExitUsage for a word that means nothing,
+ *     a doubled column, semicolons between the columns or no row at all, else with ExitUnreadable.
  */
 InstallationList readInstallations(const QString& path);
 

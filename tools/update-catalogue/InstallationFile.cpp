@@ -1,9 +1,10 @@
 #include <QFile>
 #include <QTextStream>
 
-#include "package/ReleaseNumber.h"
+#include "host/CoreQt/QtVersions.h"
 #include "tools/update-catalogue/Command.h"
 #include "tools/update-catalogue/Installation.h"
+#include "tools/update-catalogue/ReadableVersion.h"
 
 namespace vx {
 
@@ -11,9 +12,31 @@ namespace {
 
 using Columns = QMap<QString, int>;
 
-CommandFailure unreadable(const QString& path, int line, const QString& reason)
+/** A cell, and where it begins; both count from 1. */
+struct Cell
 {
-    return CommandFailure(ExitUnreadable, QString("%1:%2: %3").arg(path).arg(line).arg(reason));
+    QString text;
+    int line = 1;
+    int column = 1;
+};
+
+using Record = QList<Cell>;
+
+/** Tells where in the list something is wrong. */
+CommandFailure failure(ExitCode code, const QString& path, const Cell& cell, const QString& reason)
+{
+    return CommandFailure(
+        code, QString("%1:%2:%3: %4").arg(path).arg(cell.line).arg(cell.column).arg(reason));
+}
+
+CommandFailure unreadable(const QString& path, const Cell& cell, const QString& reason)
+{
+    return failure(ExitUnreadable, path, cell, reason);
+}
+
+CommandFailure notUnderstood(const QString& path, const Cell& cell, const QString& reason)
+{
+    return failure(ExitUsage, path, cell, reason);
 }
 
 /** Takes records apart one after the other; a quoted cell may hold commas, quotes and line ends. */
@@ -25,19 +48,20 @@ public:
     {}
 
     bool atEnd() const { return m_at >= m_text.size(); }
-    int line() const { return m_line; }
-
-    QStringList next()
+    Record next()
     {
-        QStringList cells;
+        Record cells;
         bool more = true;
         while (more) {
-            cells.append(m_at < m_text.size() && m_text.at(m_at) == '"' ? quotedCell()
-                                                                        : plainCell());
+            Cell cell{QString(), m_line, m_at - m_lineStart + 1};
+            const bool quoted = m_at < m_text.size() && m_text.at(m_at) == '"';
+            cell.text = quoted ? quotedCell() : plainCell();
+            cells.append(cell);
             more = m_at < m_text.size() && m_text.at(m_at) == ',';
             ++m_at;
         }
         ++m_line;
+        m_lineStart = m_at;
         return cells;
     }
 
@@ -63,6 +87,7 @@ private:
                 break;
             } else if (character == '\n') {
                 ++m_line;
+                m_lineStart = m_at + 1;
             }
             cell.append(character);
         }
@@ -73,6 +98,7 @@ private:
     QString m_text;
     int m_at = 0;
     int m_line = 1;
+    int m_lineStart = 0;
 };
 
 QString readText(const QString& path)
@@ -82,68 +108,133 @@ QString readText(const QString& path)
         throw CommandFailure(ExitUnreadable, QString("%1: %2").arg(path, file.errorString()));
     }
     QTextStream stream(&file);
-    stream.setCodec("UTF-8");
+    useUtf8(stream);
     return stream.readAll().remove('\r');
 }
 
-Columns readHeader(const QString& path, const QStringList& names)
+void checkName(const QString& path, const Cell& cell, const Columns& columns)
 {
     static const QStringList known{"name", "version", "platforms", "cameras",
                                    "beta", "types",   "count",     "label"};
+    const QString name = cell.text.toLower();
+    if (columns.contains(name)) {
+        throw notUnderstood(path, cell,
+                            QString("the column \"%1\" stands there twice").arg(cell.text));
+    }
+    if (known.contains(name)) {
+        return;
+    }
+    if (known.contains(name.section(';', 0, 0))) {
+        throw notUnderstood(path, cell,
+                            "the columns are separated by semicolons: save the list with commas "
+                            "between them");
+    }
+    throw unreadable(
+        path, cell,
+        QString("no column is called \"%1\"; there are %2").arg(cell.text, known.join(", ")));
+}
+
+Columns readHeader(const QString& path, const Record& names)
+{
     Columns columns;
     for (int i = 0; i < names.size(); ++i) {
-        if (!known.contains(names.at(i).toLower())) {
-            throw unreadable(path, 1,
-                             QString("no column is called \"%1\"; there are %2")
-                                 .arg(names.at(i), known.join(", ")));
-        }
-        columns.insert(names.at(i).toLower(), i);
+        checkName(path, names.at(i), columns);
+        columns.insert(names.at(i).text.toLower(), i);
     }
     for (const QString& needed : {QString("name"), QString("version")}) {
         if (!columns.contains(needed)) {
-            throw unreadable(path, 1, QString("the column \"%1\" is missing").arg(needed));
+            throw unreadable(path, Cell(), QString("the column \"%1\" is missing").arg(needed));
         }
     }
     return columns;
 }
 
-bool flagFrom(const QString& text)
+/** Makes an installation of a record. */
+class RecordMeaning
 {
-    return QStringList{"1", "yes", "true", "on"}.contains(text.toLower());
-}
+public:
+    RecordMeaning(const QString& path, const Columns& columns, const Record& record)
+        : m_path(path)
+        , m_columns(columns)
+        , m_record(record)
+    {}
 
-int countFrom(const QString& text)
-{
-    bool isNumber = false;
-    const int count = text.toInt(&isNumber);
-    if (!isNumber || count < 0) {
-        throw CommandFailure(ExitUnreadable, QString("\"%1\" is no count").arg(text));
+    Installation installation() const
+    {
+        Installation installation;
+        installation.criteria = defaultCriteria();
+        OfferCriteria& criteria = installation.criteria;
+        criteria.applicationName = text("name");
+        criteria.versionNumber = version(cell("version"), text("version"));
+        if (!text("platforms").isEmpty()) {
+            criteria.supportedPlatforms = splitWordList(text("platforms"));
+        }
+        if (!text("types").isEmpty()) {
+            criteria.supportedPackageTypes = splitWordList(text("types"));
+        }
+        for (const QString& word : splitWordList(text("cameras"))) {
+            criteria.currentCameraVersions.append(camera(word));
+        }
+        criteria.checkForBeta = flag(cell("beta"));
+        installation.count = text("count").isEmpty() ? 1 : count(cell("count"));
+        const QString label = text("label");
+        installation.label = label.isEmpty() ? text("name") + ' ' + text("version") : label;
+        return installation;
     }
-    return count;
-}
 
-Installation installationFromCells(const Columns& columns, const QStringList& cells)
+private:
+    Cell cell(const char* name) const { return m_record.value(m_columns.value(name, -1)); }
+    QString text(const char* name) const { return cell(name).text; }
+
+    VersionNumber version(const Cell& cell, const QString& text) const
+    {
+        if (!isReadableVersion(text)) {
+            throw notUnderstood(m_path, cell, QString("\"%1\" is no version").arg(text));
+        }
+        return releaseNumber(text);
+    }
+
+    QPair<QString, VersionNumber> camera(const QString& word) const
+    {
+        const int at = word.indexOf('=');
+        if (at <= 0 || at == word.size() - 1) {
+            throw unreadable(m_path, cell("cameras"),
+                             QString("\"%1\" is no camera: write NAME=VERSION").arg(word));
+        }
+        return {word.left(at), version(cell("cameras"), word.mid(at + 1))};
+    }
+
+    bool flag(const Cell& cell) const
+    {
+        static const QStringList yes{"1", "yes", "true", "on"};
+        static const QStringList no{"", "0", "no", "false", "off"};
+        const QString word = cell.text.toLower();
+        if (!yes.contains(word) && !no.contains(word)) {
+            throw notUnderstood(
+                m_path, cell,
+                QString("\"%1\" says neither yes nor no: write one of the two").arg(cell.text));
+        }
+        return yes.contains(word);
+    }
+
+    int count(const Cell& cell) const
+    {
+        bool isNumber = false;
+        const int count = cell.text.toInt(&isNumber);
+        if (!isNumber || count < 0) {
+            throw unreadable(m_path, cell, QString("\"%1\" is no count").arg(cell.text));
+        }
+        return count;
+    }
+
+    const QString& m_path;
+    const Columns& m_columns;
+    const Record& m_record;
+};
+
+bool isBlank(const Record& record)
 {
-    const auto cell = [&](const char* name) { return cells.value(columns.value(name, -1)); };
-    Installation installation;
-    installation.criteria = defaultCriteria();
-    OfferCriteria& criteria = installation.criteria;
-    criteria.applicationName = cell("name");
-    criteria.versionNumber = releaseNumber(cell("version"));
-    if (!cell("platforms").isEmpty()) {
-        criteria.supportedPlatforms = splitWordList(cell("platforms"));
-    }
-    if (!cell("types").isEmpty()) {
-        criteria.supportedPackageTypes = splitWordList(cell("types"));
-    }
-    for (const QString& camera : splitWordList(cell("cameras"))) {
-        criteria.currentCameraVersions.append(cameraFromText(camera, ExitUnreadable));
-    }
-    criteria.checkForBeta = flagFrom(cell("beta"));
-    installation.count = cell("count").isEmpty() ? 1 : countFrom(cell("count"));
-    const QString label = cell("label");
-    installation.label = label.isEmpty() ? cell("name") + ' ' + cell("version") : label;
-    return installation;
+    return record.size() == 1 && record.first().text.isEmpty();
 }
 
 } // namespace
@@ -154,22 +245,21 @@ InstallationList readInstallations(const QString& path)
     const Columns columns = readHeader(path, reader.next());
     InstallationList installations;
     while (!reader.atEnd()) {
-        const int line = reader.line();
-        const QStringList cells = reader.next();
-        if (cells == QStringList{QString()}) {
+        const Record record = reader.next();
+        if (isBlank(record)) {
             continue;
         }
-        if (cells.size() != columns.size()) {
-            throw unreadable(path, line,
+        if (record.size() != columns.size()) {
+            throw unreadable(path, record.first(),
                              QString("%1 cells, and the header has %2 columns")
-                                 .arg(cells.size())
+                                 .arg(record.size())
                                  .arg(columns.size()));
         }
-        try {
-            installations.append(installationFromCells(columns, cells));
-        } catch (const CommandFailure& failure) {
-            throw unreadable(path, line, failure.message());
-        }
+        installations.append(RecordMeaning(path, columns, record).installation());
+    }
+    if (installations.isEmpty()) {
+        throw notUnderstood(path, Cell{QString(), 2, 1},
+                            "there is no installation below the line of columns");
     }
     return installations;
 }

@@ -3,6 +3,7 @@
 #include "host/CoreQt/ParseException.h"
 #include "tools/update-catalogue/CatalogueTree.h"
 #include "tools/update-catalogue/Command.h"
+#include "tools/update-catalogue/DocumentFault.h"
 
 namespace vx {
 
@@ -14,11 +15,17 @@ ParsedCatalogue parseCatalogue(const CatalogueSource& source)
         for (const CataloguePackage& package : tree.packages()) {
             catalogue.packages.append(package.info);
             catalogue.positions.append(package.package->position);
+            catalogue.digests.add(package.info.url,
+                                  readPackageDigest(packageDigestText(package.package->element)));
         }
         return catalogue;
     } catch (const ParseException& exception) {
-        throw CommandFailure(ExitUnreadable,
-                             QString("%1: %2").arg(source.name, exception.message()));
+        const DocumentFault fault = documentFault(source.bytes, exception.message());
+        throw CommandFailure(ExitUnreadable, QString("%1:%2:%3: %4")
+                                                 .arg(source.name)
+                                                 .arg(fault.position.line)
+                                                 .arg(fault.position.column)
+                                                 .arg(fault.reason));
     }
 }
 

@@ -5,6 +5,7 @@
 #include "package/PackageInfo.h"
 #include "tools/update-catalogue/CatalogueSource.h"
 #include "tools/update-catalogue/CatalogueText.h"
+#include "trust/internal/PackageDigests.h"
 
 namespace vx {
 
@@ -13,6 +14,8 @@ struct ParsedCatalogue
 {
     PackageInfoList packages;
     QVector<TextPosition> positions;
+    /** What the packages say of their files. */
+    PackageDigests digests;
 };
 
 /**

@@ -1,6 +1,6 @@
 #include "tools/update-catalogue/Selection.h"
 
-#include "download/CandidateSelection.h"
+#include "download/internal/CandidateSelection.h"
 
 namespace vx {
 

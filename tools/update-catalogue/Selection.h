@@ -2,9 +2,9 @@
 
 #include <QVector>
 
-#include "client/OfferSelection.h"
-#include "package/CandidateMatcher.h"
+#include "client/internal/OfferSelection.h"
 #include "package/PackageInfo.h"
+#include "package/internal/CandidateMatcher.h"
 
 namespace vx {
 

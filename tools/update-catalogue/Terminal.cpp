@@ -1,6 +1,12 @@
 #include "tools/update-catalogue/Terminal.h"
 
+#include <cerrno>
+
 #include <unistd.h>
+
+#include "tools/update-catalogue/Command.h"
+
+#include "host/CoreQt/QtVersions.h"
 
 namespace vx {
 
@@ -30,22 +36,27 @@ const char* escapeSequence(Terminal::Colour colour)
 } // namespace
 
 Terminal::Terminal(std::FILE* output)
-    : m_stream(output)
+    : m_output(output)
     , m_colours(isatty(fileno(output)) != 0 && !qEnvironmentVariableIsSet("NO_COLOR"))
+{}
+
+void Terminal::write(const QByteArray& bytes)
 {
-    m_stream.setCodec("UTF-8");
+    const auto size = static_cast<size_t>(bytes.size());
+    if (std::fwrite(bytes.constData(), 1, size, m_output) != size || std::fflush(m_output) != 0) {
+        throw CommandFailure(ExitUnreadable,
+                             QString("standard output: %1").arg(qt_error_string(errno)));
+    }
 }
 
 void Terminal::line(const QString& text)
 {
-    m_stream << text << '\n';
-    m_stream.flush();
+    write(text.toUtf8() + '\n');
 }
 
 void Terminal::json(const QJsonDocument& document)
 {
-    m_stream << QString::fromUtf8(document.toJson(QJsonDocument::Indented));
-    m_stream.flush();
+    write(document.toJson(QJsonDocument::Indented));
 }
 
 QString Terminal::coloured(const QString& text, Colour colour) const

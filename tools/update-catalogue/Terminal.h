@@ -2,7 +2,6 @@
 
 #include <QJsonDocument>
 #include <QString>
-#include <QTextStream>
 
 #include <cstdio>
 
@@ -17,17 +16,20 @@ public:
     /** Writes to @p output. Colours are on if it is a terminal and NO_COLOR is not set. */
     explicit Terminal(std::FILE* output);
 
-    /** Writes one line. */
+    /** Writes one line. @throws CommandFailure if that is not possible, as on a full disk. */
     void line(const QString& text = QString());
 
-    /** Writes an indented JSON document; commands print nothing else with "--json". */
+    /** Writes an indented JSON document, in the same way; commands print nothing else with
+     * "--json". */
     void json(const QJsonDocument& document);
 
     /** @p text in @p colour, or as it is where colours are off. */
     QString coloured(const QString& text, Colour colour) const;
 
 private:
-    QTextStream m_stream;
+    void write(const QByteArray& bytes);
+
+    std::FILE* m_output;
     bool m_colours;
 };
 

@@ -15,7 +15,7 @@ namespace {
 
 constexpr auto unusedLevel = Log::ELevel(7);
 
-/** Gives @p stream to a level for the length of a scope. */
+/** Sets @p stream for a level for the length of a scope. */
 class StreamOf
 {
 public:

@@ -23,7 +23,7 @@ void VeldrixSoftwareVersionTest::showsAVersion_data()
     QTest::newRow("all numbers") << "4.1.9.29" << 0 << "4.1.9.29";
     QTest::newRow("word") << "2.0-beta.2" << 0 << "2.0-beta.2";
     QTest::newRow("white space around") << "\n 2.0 beta \t" << 0 << "2.0 beta";
-    QTest::newRow("no number") << "MX-V4" << 0 << "MX-V4";
+    QTest::newRow("no number") << "Dome-V4" << 0 << "Dome-V4";
     QTest::newRow("not ASCII") << QString::fromUtf8("2.0 \xc3\xa4") << 0
                                << QString::fromUtf8("2.0 \xc3\xa4");
     QTest::newRow("empty") << "" << 0 << "?";
@@ -35,7 +35,7 @@ void VeldrixSoftwareVersionTest::showsAVersion_data()
     QTest::newRow("first two and word") << "4.1.9.29-rc.1" << 2 << "4.1-rc.1";
     QTest::newRow("more than there are") << "4.1" << 3 << "4.1";
     QTest::newRow("far more") << "4.1" << int(std::numeric_limits<short>::max()) << "4.1";
-    QTest::newRow("limit without number") << "MX-V4.1.2" << 1 << "MX-V4.1.2";
+    QTest::newRow("limit without number") << "Dome-V4.1.2" << 1 << "Dome-V4.1.2";
     QTest::newRow("limit and trailing dot") << "4.1." << 1 << "4.";
 }
 

@@ -33,7 +33,7 @@ const QByteArray catalogue =
     "  </package-set>\n"
     "</softwareList>";
 
-/** Gives its bytes in small pieces, as a reply from the network may. */
+/** Returns its bytes in small pieces, as a reply from the network may. */
 class DrippingDevice : public QIODevice
 {
 public:

@@ -2,7 +2,8 @@
 //
 // Usage: ending_application <way> <archive> <folder>
 // The ways: "quit" leaves the event loop, "return" never entered it by exec(), "exit" calls exit()
-// from a slot, "unpack" waits for the end and prints the reason of a failure.
+// from a slot, "destroy" destroys the job and quits at once, "unpack" waits for the end and prints
+// the reason of a failure.
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -41,7 +42,7 @@ int main(int argc, char** argv)
     const QString way = arguments.at(1);
     QTimer timer;
     QEventLoop loop;
-    // Never deleted, as by callers whose job lives as long as the process.
+    // But for one way never deleted, as by callers whose job lives as long as the process.
     auto* const unzipper = new vx::Unzipper(arguments.at(2), arguments.at(3), false);
     if (way == QLatin1String("unpack")) {
         QObject::connect(unzipper, &vx::Unzipper::unzippingDone, [] { std::exit(0); });
@@ -53,6 +54,13 @@ int main(int argc, char** argv)
     }
     if (way == QLatin1String("quit")) {
         onceUnderWay(timer, arguments.at(3), [] { QCoreApplication::quit(); });
+        return QCoreApplication::exec();
+    }
+    if (way == QLatin1String("destroy")) {
+        onceUnderWay(timer, arguments.at(3), [unzipper] {
+            delete unzipper;
+            QCoreApplication::quit();
+        });
         return QCoreApplication::exec();
     }
     if (way == QLatin1String("exit")) {

@@ -6,8 +6,8 @@
 #include "host/CoreQt/IOException.h"
 #include "host/FileFormatsZip/ZipReader.h"
 #include "tests/host/FileFormatsZip/Unpacking.h"
-#include "tests/host/FileFormatsZip/ZipBuilder.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/ZipBuilder.h"
 
 using namespace vx::test;
 
@@ -44,7 +44,7 @@ void openToOwner(const QString& path)
 } // namespace
 
 /** An archive that was cut or changed on its way. */
-class TestDamagedArchives : public QObject
+class DamagedArchivesTest : public QObject
 {
     Q_OBJECT
 
@@ -66,13 +66,13 @@ private:
     QScopedPointer<QTemporaryDir> m_folder;
 };
 
-void TestDamagedArchives::init()
+void DamagedArchivesTest::init()
 {
     m_folder.reset(new QTemporaryDir);
 }
 
 /** A small one with all kinds of entries, from the program that most are made with. */
-QByteArray TestDamagedArchives::sampleArchive()
+QByteArray DamagedArchivesTest::sampleArchive()
 {
     writeFile(path("packed/a/stored.txt"), "first\n");
     writeFile(path("packed/a/deflated.txt"), QByteArray("second line\n").repeated(20));
@@ -82,7 +82,7 @@ QByteArray TestDamagedArchives::sampleArchive()
     return contentOf(path("sample.zip"));
 }
 
-void TestDamagedArchives::cutAnywhere()
+void DamagedArchivesTest::cutAnywhere()
 {
     const QByteArray archive = sampleArchive();
     QVERIFY(archive.size() > 300);
@@ -94,7 +94,7 @@ void TestDamagedArchives::cutAnywhere()
     }
 }
 
-void TestDamagedArchives::changedAnywhere_data()
+void DamagedArchivesTest::changedAnywhere_data()
 {
     QTest::addColumn<int>("change");
     QTest::newRow("lowest bit") << 0x01;
@@ -104,7 +104,7 @@ void TestDamagedArchives::changedAnywhere_data()
 }
 
 /** A change is noticed, or it makes no difference to what is in the files. */
-void TestDamagedArchives::changedAnywhere()
+void DamagedArchivesTest::changedAnywhere()
 {
     QFETCH(int, change);
     const QByteArray archive = sampleArchive();
@@ -126,7 +126,7 @@ void TestDamagedArchives::changedAnywhere()
     QVERIFY2(noticed > archive.size() / 2, qPrintable(QString::number(noticed)));
 }
 
-void TestDamagedArchives::notAnArchive_data()
+void DamagedArchivesTest::notAnArchive_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::newRow("nothing") << QByteArray();
@@ -140,7 +140,7 @@ void TestDamagedArchives::notAnArchive_data()
                QByteArray("PK\5\6\0\0\0\0\1\0\1\0\0\0\0\0\0\0\0\0\0\0", 22);
 }
 
-void TestDamagedArchives::impossibleZip64End_data()
+void DamagedArchivesTest::impossibleZip64End_data()
 {
     QTest::addColumn<QByteArray>("archive");
     const QByteArray archive = ZipBuilder{file("a"), file("b")}.useZip64().bytes();
@@ -165,7 +165,7 @@ void TestDamagedArchives::impossibleZip64End_data()
     QTest::newRow("locator at the end of the file") << lost;
 }
 
-void TestDamagedArchives::impossibleZip64End()
+void DamagedArchivesTest::impossibleZip64End()
 {
     QFETCH(QByteArray, archive);
     writeFile(path("a.zip"), archive);
@@ -174,7 +174,7 @@ void TestDamagedArchives::impossibleZip64End()
     QVERIFY(!QFileInfo::exists(path("target")));
 }
 
-void TestDamagedArchives::notAnArchive()
+void DamagedArchivesTest::notAnArchive()
 {
     QFETCH(QByteArray, content);
     writeFile(path("a.zip"), content);
@@ -184,7 +184,7 @@ void TestDamagedArchives::notAnArchive()
 }
 
 /** Somebody else cuts the file between opening and unpacking. */
-void TestDamagedArchives::cutWhileItIsOpen()
+void DamagedArchivesTest::cutWhileItIsOpen()
 {
     ZipBuilder{file("a"), file("b", QByteArray(1000000, 'b'))}.write(path("a.zip"));
     vx::ZipReader reader(path("a.zip"), nullptr);
@@ -195,5 +195,5 @@ void TestDamagedArchives::cutWhileItIsOpen()
     QVERIFY(!QFileInfo::exists(path("target")));
 }
 
-VX_TEST_MAIN(TestDamagedArchives)
+VX_TEST_MAIN(DamagedArchivesTest)
 #include "tst_DamagedArchives.moc"

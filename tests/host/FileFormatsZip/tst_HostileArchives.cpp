@@ -5,8 +5,8 @@
 #include <sys/stat.h>
 
 #include "tests/host/FileFormatsZip/Unpacking.h"
-#include "tests/host/FileFormatsZip/ZipBuilder.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/ZipBuilder.h"
 
 using namespace vx::test;
 
@@ -69,7 +69,7 @@ ZipEntry withPacked(ZipEntry entry, const QByteArray& packed)
 } // namespace
 
 /** Archives that want more than to be unpacked: each is refused, says why, and leaves no trace. */
-class TestHostileArchives : public QObject
+class HostileArchivesTest : public QObject
 {
     Q_OBJECT
 
@@ -99,13 +99,13 @@ private:
     QScopedPointer<QTemporaryDir> m_folder;
 };
 
-void TestHostileArchives::init()
+void HostileArchivesTest::init()
 {
     m_folder.reset(new QTemporaryDir);
     writeFile(path("outside/secret.txt"), "secret");
 }
 
-void TestHostileArchives::addArchives()
+void HostileArchivesTest::addArchives()
 {
     QTest::addColumn<QByteArray>("archive");
     QTest::addColumn<QString>("reason");
@@ -116,7 +116,7 @@ void TestHostileArchives::addArchives()
     addLies();
 }
 
-void TestHostileArchives::addNames()
+void HostileArchivesTest::addNames()
 {
     const auto row = [](const char* tag, const ZipEntry& entry, const char* reason) {
         QTest::newRow(tag) << ZipBuilder{file("before.txt"), entry}.bytes() << QString(reason);
@@ -155,7 +155,7 @@ void TestHostileArchives::addNames()
     row("long path", file(QByteArray("abcdefgh/").repeated(500) + "a"), "too long");
 }
 
-void TestHostileArchives::addClashes()
+void HostileArchivesTest::addClashes()
 {
     const auto row = [](const char* tag, const ZipBuilder& archive, const char* reason) {
         QTest::newRow(tag) << archive.bytes() << QString(reason);
@@ -181,7 +181,7 @@ void TestHostileArchives::addClashes()
         "'a/c' lies behind a symbolic link");
 }
 
-void TestHostileArchives::addLinks()
+void HostileArchivesTest::addLinks()
 {
     const auto row = [](const char* tag, const ZipBuilder& archive, const char* reason) {
         QTest::newRow(tag) << archive.bytes() << QString(reason);
@@ -195,9 +195,11 @@ void TestHostileArchives::addLinks()
         "'a' is a symbolic link, and what it points at");
     row("link through a link out",
         {softLink("d/up", ".."), softLink("x/y", "../d/up/../secret"), folder("d/e/")},
-        "leads out of the folder");
+        "'x/y' is a symbolic link that leads up again behind a name");
     row("link through a later link out", {softLink("a", "b/../outside"), softLink("b", ".")},
-        "'a' is a symbolic link that leads out of the folder");
+        "'a' is a symbolic link that leads up again behind a name");
+    row("link up behind a folder", {file("c/d/e"), softLink("a", "c/d/../../x")},
+        "'a' is a symbolic link that leads up again behind a name");
     row("circle", {softLink("a", "b"), softLink("b", "a")}, "leads in a circle");
     row("circle of one", {softLink("a", "a")}, "leads in a circle");
     row("circle in a folder", {softLink("a/b", "../a/b/c")}, "leads in a circle");
@@ -212,7 +214,8 @@ void TestHostileArchives::addLinks()
     row("long chain", chain, "leads in a circle");
     row("long chain of long ways", longWays, "too many parts");
     row("empty target", {softLink("a", "")}, "an empty name");
-    row("target with NUL", {softLink("a", QByteArray("b\0c", 3))}, "'a' is damaged");
+    row("target with NUL", {softLink("a", QByteArray("b\0c", 3))},
+        "'a' is a symbolic link, and what it points at has a name with control characters");
     row("target with a control character", {softLink("a", "b\033c")}, "control characters");
     row("target with a backslash", {softLink("a", "..\\outside")}, "a backslash");
     row("target with a drive", {softLink("a", "C:/outside")}, "a drive letter");
@@ -221,7 +224,7 @@ void TestHostileArchives::addLinks()
     row("checksum of the target", {withChecksum(softLink("a", "b"), 1)}, "its checksum is wrong");
 }
 
-void TestHostileArchives::addKinds()
+void HostileArchivesTest::addKinds()
 {
     const auto row = [](const char* tag, const ZipBuilder& archive, const char* reason) {
         QTest::newRow(tag) << archive.bytes() << QString(reason);
@@ -244,7 +247,7 @@ void TestHostileArchives::addKinds()
     row("method AES", {ofMethod(file("a"), 99)}, "a method that is not supported");
 }
 
-void TestHostileArchives::addLies()
+void HostileArchivesTest::addLies()
 {
     const auto row = [](const char* tag, const ZipBuilder& archive, const char* reason) {
         QTest::newRow(tag) << archive.bytes() << QString(reason);
@@ -285,7 +288,7 @@ void TestHostileArchives::addLies()
         "it declares 4.0 GB");
 }
 
-void TestHostileArchives::isRefused()
+void HostileArchivesTest::isRefused()
 {
     QFETCH(QByteArray, archive);
     QFETCH(QString, reason);
@@ -301,7 +304,7 @@ void TestHostileArchives::isRefused()
     QCOMPARE(treeOf(m_folder->path()), before);
 }
 
-void TestHostileArchives::leavesWhatWasThere()
+void HostileArchivesTest::leavesWhatWasThere()
 {
     QFETCH(QByteArray, archive);
     writeFile(path("a.zip"), archive);
@@ -314,7 +317,7 @@ void TestHostileArchives::leavesWhatWasThere()
     QCOMPARE(treeOf(m_folder->path()), before);
 }
 
-void TestHostileArchives::targetWithLinks_data()
+void HostileArchivesTest::targetWithLinks_data()
 {
     QTest::addColumn<QByteArray>("archive");
     QTest::addColumn<QString>("reason");
@@ -332,7 +335,7 @@ void TestHostileArchives::targetWithLinks_data()
 }
 
 /** A link that somebody laid into the target folder before is no way out either. */
-void TestHostileArchives::targetWithLinks()
+void HostileArchivesTest::targetWithLinks()
 {
     QFETCH(QByteArray, archive);
     QFETCH(QString, reason);
@@ -348,7 +351,7 @@ void TestHostileArchives::targetWithLinks()
     QCOMPARE(treeOf(m_folder->path()), before);
 }
 
-void TestHostileArchives::existingFilesStay()
+void HostileArchivesTest::existingFilesStay()
 {
     ZipBuilder{file("new.txt"), folder("shared/", 0700), file("shared/old.txt", "evil")}.write(
         path("a.zip"));
@@ -360,7 +363,7 @@ void TestHostileArchives::existingFilesStay()
     QCOMPARE(treeOf(m_folder->path()), before);
 }
 
-void TestHostileArchives::namesAreShownHarmlessly()
+void HostileArchivesTest::namesAreShownHarmlessly()
 {
     ZipBuilder{file("../" + QByteArray(5000, 'x') + "\033[31m")}.write(path("a.zip"));
     const QString failure = unpackWithReader(path("a.zip"), path("target"));
@@ -368,7 +371,7 @@ void TestHostileArchives::namesAreShownHarmlessly()
     QVERIFY(!failure.contains(QChar(27)));
 }
 
-void TestHostileArchives::bombs_data()
+void HostileArchivesTest::bombs_data()
 {
     QTest::addColumn<QByteArray>("archive");
     QTest::addColumn<QString>("reason");
@@ -380,7 +383,7 @@ void TestHostileArchives::bombs_data()
 }
 
 /** Small archives that would take hours or the whole memory. */
-void TestHostileArchives::bombs()
+void HostileArchivesTest::bombs()
 {
     QFETCH(QByteArray, archive);
     QFETCH(QString, reason);
@@ -389,5 +392,5 @@ void TestHostileArchives::bombs()
     QVERIFY(!QFileInfo::exists(path("target")));
 }
 
-VX_TEST_MAIN(TestHostileArchives)
+VX_TEST_MAIN(HostileArchivesTest)
 #include "tst_HostileArchives.moc"

@@ -5,8 +5,8 @@
 
 #include "host/FileFormatsZip/ZipReader.h"
 #include "tests/host/FileFormatsZip/Unpacking.h"
-#include "tests/host/FileFormatsZip/ZipBuilder.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/ZipBuilder.h"
 
 using namespace vx::test;
 
@@ -27,7 +27,7 @@ ZipBuilder manyFiles(int count = manyEntries)
 } // namespace
 
 /** Archives beyond the limits of the first ZIP format. */
-class TestLargeArchives : public QObject
+class LargeArchivesTest : public QObject
 {
     Q_OBJECT
 
@@ -43,7 +43,7 @@ private slots:
     void tooManyEntries();
 };
 
-void TestLargeArchives::moreEntriesThan16Bits()
+void LargeArchivesTest::moreEntriesThan16Bits()
 {
     const QTemporaryDir folder;
     manyFiles().useZip64().write(folder.filePath("a.zip"));
@@ -59,7 +59,7 @@ void TestLargeArchives::moreEntriesThan16Bits()
 }
 
 /** Writers that know no Zip64 let the count overflow. */
-void TestLargeArchives::moreEntriesThanAnnounced()
+void LargeArchivesTest::moreEntriesThanAnnounced()
 {
     const QTemporaryDir folder;
     manyFiles().write(folder.filePath("a.zip"));
@@ -68,7 +68,7 @@ void TestLargeArchives::moreEntriesThanAnnounced()
     QCOMPARE(reader.fileList(QRegExp()).size(), manyEntries);
 }
 
-void TestLargeArchives::asManyEntriesAs16Bits_data()
+void LargeArchivesTest::asManyEntriesAs16Bits_data()
 {
     QTest::addColumn<int>("count");
     QTest::addColumn<bool>("zip64");
@@ -79,7 +79,7 @@ void TestLargeArchives::asManyEntriesAs16Bits_data()
 }
 
 /** The largest count of 16 bits stands for Zip64, and is a count all the same. */
-void TestLargeArchives::asManyEntriesAs16Bits()
+void LargeArchivesTest::asManyEntriesAs16Bits()
 {
     QFETCH(int, count);
     QFETCH(bool, zip64);
@@ -95,7 +95,7 @@ void TestLargeArchives::asManyEntriesAs16Bits()
     QCOMPARE(contentOf(folder.filePath("target/") + names.last()), QByteArray::number(count - 1));
 }
 
-void TestLargeArchives::fileBeyond4GiB()
+void LargeArchivesTest::fileBeyond4GiB()
 {
     const QTemporaryDir folder;
     ZipBuilder{file("before"), fileOfZeros("huge", beyond4GiB), file("after")}.useZip64().write(
@@ -109,7 +109,7 @@ void TestLargeArchives::fileBeyond4GiB()
     QCOMPARE(contentOf(folder.filePath("target/after")), QByteArray("content"));
 }
 
-void TestLargeArchives::smallArchiveInZip64()
+void LargeArchivesTest::smallArchiveInZip64()
 {
     const QTemporaryDir folder;
     ZipBuilder{file("a"), declareZip64(file("b"), 7)}.useZip64().write(folder.filePath("a.zip"));
@@ -118,7 +118,7 @@ void TestLargeArchives::smallArchiveInZip64()
 }
 
 /** The offsets within the archive, its locator's included, know nothing of what is in front. */
-void TestLargeArchives::zip64BehindSomethingElse()
+void LargeArchivesTest::zip64BehindSomethingElse()
 {
     const QTemporaryDir folder;
     const QByteArray before = QByteArray("#!/bin/sh\n").repeated(1000);
@@ -129,7 +129,7 @@ void TestLargeArchives::zip64BehindSomethingElse()
 }
 
 /** Where the data lies may stand in the extra field, alone or behind the sizes. */
-void TestLargeArchives::offsetInZip64()
+void LargeArchivesTest::offsetInZip64()
 {
     const QTemporaryDir folder;
     ZipEntry alone = file("b", "2");
@@ -145,7 +145,7 @@ void TestLargeArchives::offsetInZip64()
     QCOMPARE(contentOf(folder.filePath("target/c")), QByteArray("3"));
 }
 
-void TestLargeArchives::tooManyEntries()
+void LargeArchivesTest::tooManyEntries()
 {
     const QTemporaryDir folder;
     QByteArray archive = ZipBuilder({file("a")}).useZip64().bytes();
@@ -156,5 +156,5 @@ void TestLargeArchives::tooManyEntries()
              QString("The archive is refused: it holds more than 1000000 entries."));
 }
 
-VX_TEST_MAIN(TestLargeArchives)
+VX_TEST_MAIN(LargeArchivesTest)
 #include "tst_LargeArchives.moc"

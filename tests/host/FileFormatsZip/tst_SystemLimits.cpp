@@ -13,8 +13,8 @@
 #include "host/FileFormatsZip/Unzipper.h"
 #include "host/FileFormatsZip/ZipReader.h"
 #include "tests/host/FileFormatsZip/Unpacking.h"
-#include "tests/host/FileFormatsZip/ZipBuilder.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/ZipBuilder.h"
 
 using namespace vx::test;
 
@@ -116,7 +116,7 @@ bool canMount()
 } // namespace
 
 /** What the system refuses: each ends in a reason, and leaves nothing. */
-class TestSystemLimits : public QObject
+class SystemLimitsTest : public QObject
 {
     Q_OBJECT
 
@@ -140,12 +140,12 @@ private:
     QScopedPointer<QTemporaryDir> m_folder;
 };
 
-void TestSystemLimits::init()
+void SystemLimitsTest::init()
 {
     m_folder.reset(new QTemporaryDir);
 }
 
-void TestSystemLimits::fileSize_data()
+void SystemLimitsTest::fileSize_data()
 {
     QTest::addColumn<QByteArray>("archive");
     const auto row = [](const char* tag, const ZipBuilder& archive) {
@@ -159,7 +159,7 @@ void TestSystemLimits::fileSize_data()
 }
 
 /** The system's default answer is a signal that ends the process; here it must be a reason. */
-void TestSystemLimits::fileSize()
+void SystemLimitsTest::fileSize()
 {
     QFETCH(QByteArray, archive);
     writeFile(path("a.zip"), archive);
@@ -174,7 +174,7 @@ void TestSystemLimits::fileSize()
     QCOMPARE(treeOf(m_folder->path()), before);
 }
 
-void TestSystemLimits::noRightToWrite()
+void SystemLimitsTest::noRightToWrite()
 {
     ZipBuilder{file("a")}.write(path("a.zip"));
     vx::ZipReader reader(path("a.zip"), nullptr);
@@ -190,7 +190,7 @@ void TestSystemLimits::noRightToWrite()
     QVERIFY2(reason.contains("Permission denied"), qPrintable(reason));
 }
 
-void TestSystemLimits::noRightToWriteInAFolder()
+void SystemLimitsTest::noRightToWriteInAFolder()
 {
     ZipBuilder{file("a"), file("locked/b")}.write(path("a.zip"));
     vx::ZipReader reader(path("a.zip"), nullptr);
@@ -212,7 +212,7 @@ void TestSystemLimits::noRightToWriteInAFolder()
     QVERIFY(QFile::setPermissions(path("target/locked"), QFile::Permissions(0x7777)));
 }
 
-void TestSystemLimits::noRightToRead()
+void SystemLimitsTest::noRightToRead()
 {
     ZipBuilder{file("a")}.write(path("a.zip"));
     QVERIFY(QFile::setPermissions(path("a.zip"), QFile::Permissions()));
@@ -226,7 +226,7 @@ void TestSystemLimits::noRightToRead()
 }
 
 /** Folders that the archive shuts are shut last, when nothing has to be removed any more. */
-void TestSystemLimits::readOnlyFoldersAreRemovedAgain()
+void SystemLimitsTest::readOnlyFoldersAreRemovedAgain()
 {
     ZipBuilder{folder("a/", 0500), folder("a/b/", 0), file("a/b/c"), softLink("x", "a"), file("y")}
         .write(path("a.zip"));
@@ -248,7 +248,7 @@ void TestSystemLimits::readOnlyFoldersAreRemovedAgain()
 }
 
 /** Shutting many folders takes a while, and the job must be able to remove those shut by then. */
-void TestSystemLimits::destroyedWhileFoldersAreShut()
+void SystemLimitsTest::destroyedWhileFoldersAreShut()
 {
     constexpr int count = 10000;
     const auto name = [](int i) { return "a/d" + QByteArray::number(i) + "/"; };
@@ -270,7 +270,7 @@ void TestSystemLimits::destroyedWhileFoldersAreShut()
             QCoreApplication::processEvents();
         }
         unzipper.reset();
-        isRemoved = !QFileInfo::exists("target");
+        isRemoved = QTest::qWaitFor([] { return !QFileInfo::exists("target"); }, 60000);
         // The folder around all others is the last.
         wasReady = modeOf("target/a") == 0500;
     }
@@ -279,7 +279,7 @@ void TestSystemLimits::destroyedWhileFoldersAreShut()
 }
 
 /** The thread of the job has begun when no other is to be had any more. */
-void TestSystemLimits::noMoreThreads()
+void SystemLimitsTest::noMoreThreads()
 {
     const QByteArray content = QByteArray("0123456789").repeated(1000000);
     ZipBuilder archive;
@@ -299,7 +299,7 @@ void TestSystemLimits::noMoreThreads()
     QVERIFY(contentOf(path("target/big")) == content);
 }
 
-void TestSystemLimits::notEnoughSpace()
+void SystemLimitsTest::notEnoughSpace()
 {
     // A hole in front makes the archive large enough for what it declares.
     QFile hole(path("a.zip"));
@@ -313,7 +313,7 @@ void TestSystemLimits::notEnoughSpace()
     QVERIFY(!QFileInfo::exists(path("target")));
 }
 
-void TestSystemLimits::fullDisk_data()
+void SystemLimitsTest::fullDisk_data()
 {
     QTest::addColumn<QString>("options");
     QTest::addColumn<QString>("reason");
@@ -328,7 +328,7 @@ void TestSystemLimits::fullDisk_data()
     }
 }
 
-void TestSystemLimits::fullDisk()
+void SystemLimitsTest::fullDisk()
 {
     QFETCH(QString, options);
     QFETCH(QString, reason);
@@ -352,5 +352,5 @@ void TestSystemLimits::fullDisk()
     QCOMPARE(lines.value(1), QByteArray());
 }
 
-VX_TEST_MAIN(TestSystemLimits)
+VX_TEST_MAIN(SystemLimitsTest)
 #include "tst_SystemLimits.moc"

@@ -9,8 +9,8 @@
 
 #include "host/FileFormatsZip/Unzipper.h"
 #include "tests/host/FileFormatsZip/Unpacking.h"
-#include "tests/host/FileFormatsZip/ZipBuilder.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/ZipBuilder.h"
 
 using namespace vx::test;
 using vx::Unzipper;
@@ -60,7 +60,7 @@ private:
 } // namespace
 
 /** The background job, as its callers see it. */
-class TestUnzipper : public QObject
+class UnzipperTest : public QObject
 {
     Q_OBJECT
 
@@ -88,13 +88,13 @@ private:
     QScopedPointer<QTemporaryDir> m_folder;
 };
 
-void TestUnzipper::init()
+void UnzipperTest::init()
 {
     m_folder.reset(new QTemporaryDir);
     ZipBuilder{file("a.txt", "a"), file("b/c.txt", "c")}.write(path("a.zip"));
 }
 
-void TestUnzipper::startsInTheEventLoopOnly()
+void UnzipperTest::startsInTheEventLoopOnly()
 {
     const int threads = QDir("/proc/self/task").entryList(QDir::Dirs).size();
     Unzipper unzipper(path("a.zip"), target(), false);
@@ -106,7 +106,7 @@ void TestUnzipper::startsInTheEventLoopOnly()
     QCOMPARE(contentOf(path("target/b/c.txt")), QByteArray("c"));
 }
 
-void TestUnzipper::reportsOnce()
+void UnzipperTest::reportsOnce()
 {
     QPointer<Unzipper> unzipper = new Unzipper(path("a.zip"), target(), false);
     Receiver receiver;
@@ -119,7 +119,7 @@ void TestUnzipper::reportsOnce()
     QCOMPARE(receiver.thread, thread());
 }
 
-void TestUnzipper::reportsTheFolderAsItWasGiven_data()
+void UnzipperTest::reportsTheFolderAsItWasGiven_data()
 {
     QTest::addColumn<QString>("below");
     QTest::newRow("plain") << "/target";
@@ -127,7 +127,7 @@ void TestUnzipper::reportsTheFolderAsItWasGiven_data()
     QTest::newRow("with a dot") << "/./target";
 }
 
-void TestUnzipper::reportsTheFolderAsItWasGiven()
+void UnzipperTest::reportsTheFolderAsItWasGiven()
 {
     QFETCH(QString, below);
     Unzipper unzipper(path("a.zip"), m_folder->path() + below, false);
@@ -136,7 +136,7 @@ void TestUnzipper::reportsTheFolderAsItWasGiven()
     QTRY_COMPARE(receiver.done, QStringList{m_folder->path() + below});
 }
 
-void TestUnzipper::reportsAFailureOnce()
+void UnzipperTest::reportsAFailureOnce()
 {
     writeFile(path("b.zip"), "nonsense");
     QPointer<Unzipper> unzipper = new Unzipper(path("b.zip"), target(), false);
@@ -149,7 +149,7 @@ void TestUnzipper::reportsAFailureOnce()
     QVERIFY(receiver.done.isEmpty());
 }
 
-void TestUnzipper::removesTheArchive()
+void UnzipperTest::removesTheArchive()
 {
     Unzipper unzipper(path("a.zip"), target(), false);
     QSignalSpy done(&unzipper, SIGNAL(unzippingDone(QString)));
@@ -161,14 +161,14 @@ void TestUnzipper::removesTheArchive()
     QCOMPARE(contentOf(path("target/a.txt")), QByteArray("a"));
 }
 
-void TestUnzipper::failureLeavesTheArchive()
+void UnzipperTest::failureLeavesTheArchive()
 {
     ZipBuilder{file("../evil")}.write(path("b.zip"));
     QVERIFY(!unpackWithUnzipper(path("b.zip"), target()).isEmpty());
     QVERIFY(QFileInfo::exists(path("b.zip")));
 }
 
-void TestUnzipper::reasonIsForTheUser_data()
+void UnzipperTest::reasonIsForTheUser_data()
 {
     QTest::addColumn<QString>("archive");
     QTest::addColumn<QString>("reason");
@@ -182,7 +182,7 @@ void TestUnzipper::reasonIsForTheUser_data()
                                 << "The file is not a ZIP archive, or it is incomplete.";
 }
 
-void TestUnzipper::reasonIsForTheUser()
+void UnzipperTest::reasonIsForTheUser()
 {
     QFETCH(QString, archive);
     QFETCH(QString, reason);
@@ -193,7 +193,7 @@ void TestUnzipper::reasonIsForTheUser()
     QVERIFY(!QFileInfo::exists(target()));
 }
 
-void TestUnzipper::receiverMayDestroyTheJob()
+void UnzipperTest::receiverMayDestroyTheJob()
 {
     Receiver receiver;
     receiver.toDelete = new Unzipper(path("a.zip"), target(), false);
@@ -203,7 +203,7 @@ void TestUnzipper::receiverMayDestroyTheJob()
 }
 
 /** As a message box does. */
-void TestUnzipper::receiverMayOpenAnEventLoop()
+void UnzipperTest::receiverMayOpenAnEventLoop()
 {
     Unzipper unzipper(path("missing.zip"), target(), false);
     QEventLoop inner;
@@ -218,7 +218,7 @@ void TestUnzipper::receiverMayOpenAnEventLoop()
     QCOMPARE(reports, 1);
 }
 
-void TestUnzipper::jobOfAnotherThread()
+void UnzipperTest::jobOfAnotherThread()
 {
     QStringList done;
     bool isReportedThere = false;
@@ -238,7 +238,7 @@ void TestUnzipper::jobOfAnotherThread()
     QVERIFY(isReportedThere);
 }
 
-void TestUnzipper::jobsSideBySide()
+void UnzipperTest::jobsSideBySide()
 {
     Receiver receiver;
     std::vector<std::unique_ptr<Unzipper>> jobs;
@@ -252,7 +252,7 @@ void TestUnzipper::jobsSideBySide()
     }
 }
 
-void TestUnzipper::eventLoopGoesOn()
+void UnzipperTest::eventLoopGoesOn()
 {
     ZipBuilder{fileOfZeros("zeros", someSeconds)}.write(path("b.zip"));
     Unzipper unzipper(path("b.zip"), target(), false);
@@ -265,5 +265,5 @@ void TestUnzipper::eventLoopGoesOn()
     QVERIFY(ticks.size() > 10);
 }
 
-VX_TEST_MAIN(TestUnzipper)
+VX_TEST_MAIN(UnzipperTest)
 #include "tst_Unzipper.moc"

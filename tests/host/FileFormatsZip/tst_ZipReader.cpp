@@ -4,15 +4,15 @@
 #include "host/CoreQt/IOException.h"
 #include "host/FileFormatsZip/ZipReader.h"
 #include "tests/host/FileFormatsZip/Unpacking.h"
-#include "tests/host/FileFormatsZip/ZipBuilder.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/ZipBuilder.h"
 
 using namespace vx::test;
 using vx::IOException;
 using vx::ZipReader;
 
 /** Opening, listing and choosing; what comes out is looked at in other tests. */
-class TestZipReader : public QObject
+class ZipReaderTest : public QObject
 {
     Q_OBJECT
 
@@ -49,14 +49,14 @@ private:
     QScopedPointer<QTemporaryDir> m_folder;
 };
 
-void TestZipReader::init()
+void ZipReaderTest::init()
 {
     m_folder.reset(new QTemporaryDir);
     ZipBuilder{file("b.txt", "b"), folder("a/"), file("a/c.txt", "c"), file("a/d.bin", "d")}.write(
         path("a.zip"));
 }
 
-void TestZipReader::isADevice()
+void ZipReaderTest::isADevice()
 {
     QObject parent;
     vx::ZipDevice* const device = new ZipReader(path("a.zip"), &parent);
@@ -65,7 +65,7 @@ void TestZipReader::isADevice()
     QVERIFY(!device->wasCanceled());
 }
 
-void TestZipReader::listsAll()
+void ZipReaderTest::listsAll()
 {
     ZipReader reader(path("a.zip"), nullptr);
     QVERIFY(reader.open(QIODevice::ReadOnly));
@@ -73,7 +73,7 @@ void TestZipReader::listsAll()
     QCOMPARE(reader.fileList(QRegExp()), QStringList({"b.txt", "a/", "a/c.txt", "a/d.bin"}));
 }
 
-void TestZipReader::listsWhatMatches_data()
+void ZipReaderTest::listsWhatMatches_data()
 {
     QTest::addColumn<QRegExp>("pattern");
     QTest::addColumn<QStringList>("names");
@@ -87,7 +87,7 @@ void TestZipReader::listsWhatMatches_data()
     QTest::newRow("invalid") << QRegExp("(") << QStringList();
 }
 
-void TestZipReader::listsWhatMatches()
+void ZipReaderTest::listsWhatMatches()
 {
     QFETCH(QRegExp, pattern);
     QFETCH(QStringList, names);
@@ -97,7 +97,7 @@ void TestZipReader::listsWhatMatches()
 }
 
 /** Some writers mark a folder by its mode alone. */
-void TestZipReader::listsFoldersWithSlash()
+void ZipReaderTest::listsFoldersWithSlash()
 {
     ZipBuilder{folder("a")}.write(path("b.zip"));
     ZipReader reader(path("b.zip"), nullptr);
@@ -105,7 +105,7 @@ void TestZipReader::listsFoldersWithSlash()
     QCOMPARE(reader.fileList(QRegExp()), QStringList{"a/"});
 }
 
-void TestZipReader::opensOnlyForReading_data()
+void ZipReaderTest::opensOnlyForReading_data()
 {
     QTest::addColumn<int>("mode");
     QTest::newRow("not at all") << int(QIODevice::NotOpen);
@@ -114,7 +114,7 @@ void TestZipReader::opensOnlyForReading_data()
     QTest::newRow("as text") << int(QIODevice::ReadOnly | QIODevice::Text);
 }
 
-void TestZipReader::opensOnlyForReading()
+void ZipReaderTest::opensOnlyForReading()
 {
     QFETCH(int, mode);
     ZipReader reader(path("a.zip"), nullptr);
@@ -123,7 +123,7 @@ void TestZipReader::opensOnlyForReading()
     QVERIFY_EXCEPTION_THROWN(reader.extractFiles({"b.txt"}, path("target"), false), IOException);
 }
 
-void TestZipReader::unopenedReaderListsNothingAndThrows()
+void ZipReaderTest::unopenedReaderListsNothingAndThrows()
 {
     ZipReader reader(path("a.zip"), nullptr);
     QVERIFY(!reader.isOpen());
@@ -132,7 +132,7 @@ void TestZipReader::unopenedReaderListsNothingAndThrows()
     QVERIFY(!QFileInfo::exists(path("target")));
 }
 
-void TestZipReader::brokenArchiveListsNothingAndThrows()
+void ZipReaderTest::brokenArchiveListsNothingAndThrows()
 {
     writeFile(path("b.zip"), "nonsense");
     ZipReader reader(path("b.zip"), nullptr);
@@ -142,28 +142,28 @@ void TestZipReader::brokenArchiveListsNothingAndThrows()
              QString("The file is not a ZIP archive, or it is incomplete."));
 }
 
-void TestZipReader::missingArchive()
+void ZipReaderTest::missingArchive()
 {
     const QString reason = unpackWithReader(path("missing.zip"), path("target"));
     QVERIFY2(reason.contains("missing.zip"), qPrintable(reason));
     QVERIFY2(reason.contains("No such file"), qPrintable(reason));
 }
 
-void TestZipReader::folderAsArchive()
+void ZipReaderTest::folderAsArchive()
 {
     const QString reason = unpackWithReader(m_folder->path(), path("target"));
     QVERIFY2(reason.contains("is not a file"), qPrintable(reason));
 }
 
 /** Must not wait for a writer. */
-void TestZipReader::fifoAsArchive()
+void ZipReaderTest::fifoAsArchive()
 {
     runTool(m_folder->path(), "mkfifo", {"fifo.zip"});
     const QString reason = unpackWithReader(path("fifo.zip"), path("target"));
     QVERIFY2(reason.contains("is not a file"), qPrintable(reason));
 }
 
-void TestZipReader::opensAgain()
+void ZipReaderTest::opensAgain()
 {
     ZipReader reader(path("b.zip"), nullptr);
     QVERIFY(!reader.open(QIODevice::ReadOnly));
@@ -175,7 +175,7 @@ void TestZipReader::opensAgain()
     QVERIFY(reader.fileList(QRegExp()).isEmpty());
 }
 
-void TestZipReader::extractsChosenNames()
+void ZipReaderTest::extractsChosenNames()
 {
     ZipReader reader(path("a.zip"), nullptr);
     reader.open(QIODevice::ReadOnly);
@@ -184,7 +184,7 @@ void TestZipReader::extractsChosenNames()
     QCOMPARE(contentOf(path("target/a/d.bin")), QByteArray("d"));
 }
 
-void TestZipReader::extractsNothing()
+void ZipReaderTest::extractsNothing()
 {
     ZipReader reader(path("a.zip"), nullptr);
     reader.open(QIODevice::ReadOnly);
@@ -193,7 +193,7 @@ void TestZipReader::extractsNothing()
     QVERIFY(treeOf(path("target")).isEmpty());
 }
 
-void TestZipReader::unknownName()
+void ZipReaderTest::unknownName()
 {
     ZipReader reader(path("a.zip"), nullptr);
     reader.open(QIODevice::ReadOnly);
@@ -206,7 +206,7 @@ void TestZipReader::unknownName()
     QVERIFY(!QFileInfo::exists(path("target")));
 }
 
-void TestZipReader::refusesOnlyWhatIsChosen()
+void ZipReaderTest::refusesOnlyWhatIsChosen()
 {
     ZipBuilder{file("../evil"), file("good")}.write(path("b.zip"));
     ZipReader reader(path("b.zip"), nullptr);
@@ -217,7 +217,7 @@ void TestZipReader::refusesOnlyWhatIsChosen()
     QVERIFY_EXCEPTION_THROWN(reader.extractFiles({"../evil"}, path("other"), false), IOException);
 }
 
-void TestZipReader::linkToWhatIsNotChosen()
+void ZipReaderTest::linkToWhatIsNotChosen()
 {
     ZipBuilder{file("file"), softLink("link", "file")}.write(path("b.zip"));
     ZipReader reader(path("b.zip"), nullptr);
@@ -226,7 +226,7 @@ void TestZipReader::linkToWhatIsNotChosen()
     QCOMPARE(treeOf(path("target")).value("link"), QByteArray("link file"));
 }
 
-void TestZipReader::exceptionIsCopyable()
+void ZipReaderTest::exceptionIsCopyable()
 {
     ZipReader reader(path("a.zip"), nullptr);
     try {
@@ -239,7 +239,7 @@ void TestZipReader::exceptionIsCopyable()
     }
 }
 
-void TestZipReader::extractsTwice()
+void ZipReaderTest::extractsTwice()
 {
     ZipReader reader(path("a.zip"), nullptr);
     reader.open(QIODevice::ReadOnly);
@@ -251,13 +251,13 @@ void TestZipReader::extractsTwice()
     QCOMPARE(treeOf(path("first")), treeOf(path("second")));
 }
 
-void TestZipReader::createsTheTarget()
+void ZipReaderTest::createsTheTarget()
 {
     QCOMPARE(unpackWithReader(path("a.zip"), path("target/")), QString());
     QVERIFY(QFileInfo(path("target/a/c.txt")).isFile());
 }
 
-void TestZipReader::targetThatCannotBe_data()
+void ZipReaderTest::targetThatCannotBe_data()
 {
     QTest::addColumn<QString>("target");
     QTest::addColumn<QString>("reason");
@@ -270,7 +270,7 @@ void TestZipReader::targetThatCannotBe_data()
     QTest::newRow("no name") << QString() << "Cannot create the folder";
 }
 
-void TestZipReader::targetThatCannotBe()
+void ZipReaderTest::targetThatCannotBe()
 {
     QFETCH(QString, target);
     QFETCH(QString, reason);
@@ -283,7 +283,7 @@ void TestZipReader::targetThatCannotBe()
 }
 
 /** What was listed is what is unpacked, whatever stands at the path by then. */
-void TestZipReader::archiveReplacedAfterOpening()
+void ZipReaderTest::archiveReplacedAfterOpening()
 {
     ZipReader reader(path("a.zip"), nullptr);
     reader.open(QIODevice::ReadOnly);
@@ -293,5 +293,5 @@ void TestZipReader::archiveReplacedAfterOpening()
     QCOMPARE(contentOf(path("target/b.txt")), QByteArray("b"));
 }
 
-VX_TEST_MAIN(TestZipReader)
+VX_TEST_MAIN(ZipReaderTest)
 #include "tst_ZipReader.moc"

@@ -10,15 +10,15 @@
 #include "host/CoreQt/IOException.h"
 #include "host/FileFormatsZip/ZipReader.h"
 #include "tests/host/FileFormatsZip/Unpacking.h"
-#include "tests/host/FileFormatsZip/ZipBuilder.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/ZipBuilder.h"
 
 using namespace vx::test;
 using vx::IOException;
 using vx::ZipReader;
 
 /** The reader and its dialog, on an archive that takes seconds to unpack. */
-class TestZipReaderProgress : public QObject
+class ZipReaderProgressTest : public QObject
 {
     Q_OBJECT
 
@@ -56,13 +56,13 @@ private:
     QScopedPointer<QProgressDialog> m_dialog;
 };
 
-void TestZipReaderProgress::initTestCase()
+void ZipReaderProgressTest::initTestCase()
 {
     ZipBuilder{file("small"), fileOfZeros("huge", someSeconds)}.write(
         m_archives.filePath("huge.zip"));
 }
 
-void TestZipReaderProgress::init()
+void ZipReaderProgressTest::init()
 {
     m_folder.reset(new QTemporaryDir);
     m_reader.reset(new ZipReader(m_archives.filePath("huge.zip"), nullptr));
@@ -73,7 +73,7 @@ void TestZipReaderProgress::init()
 }
 
 /** Does something as soon as the dialog has got anywhere. */
-void TestZipReaderProgress::onceUnderWay(const std::function<void()>& action)
+void ZipReaderProgressTest::onceUnderWay(const std::function<void()>& action)
 {
     const auto bar = m_dialog->findChild<QProgressBar*>();
     const auto connection = std::make_shared<QMetaObject::Connection>();
@@ -85,7 +85,7 @@ void TestZipReaderProgress::onceUnderWay(const std::function<void()>& action)
     });
 }
 
-void TestZipReaderProgress::drivesTheDialog()
+void ZipReaderProgressTest::drivesTheDialog()
 {
     m_dialog->setAutoReset(false);
     QSignalSpy values(m_dialog->findChild<QProgressBar*>(), SIGNAL(valueChanged(int)));
@@ -104,7 +104,7 @@ void TestZipReaderProgress::drivesTheDialog()
     QCOMPARE(quint64(unpackedSize()), someSeconds.count);
 }
 
-void TestZipReaderProgress::servesEvents()
+void ZipReaderProgressTest::servesEvents()
 {
     QTimer timer;
     QSignalSpy ticks(&timer, SIGNAL(timeout()));
@@ -113,7 +113,7 @@ void TestZipReaderProgress::servesEvents()
     QVERIFY(ticks.size() > 10);
 }
 
-void TestZipReaderProgress::withoutDialogNoEvents()
+void ZipReaderProgressTest::withoutDialogNoEvents()
 {
     m_reader->attachProgressDialog(nullptr);
     QTimer timer;
@@ -124,7 +124,7 @@ void TestZipReaderProgress::withoutDialogNoEvents()
     QCOMPARE(contentOf(path("target/small")), QByteArray("content"));
 }
 
-void TestZipReaderProgress::cancelStopsWithinAFile()
+void ZipReaderProgressTest::cancelStopsWithinAFile()
 {
     onceUnderWay([this] { m_dialog->cancel(); });
     m_reader->extractFiles({"huge"}, target(), false);
@@ -135,7 +135,7 @@ void TestZipReaderProgress::cancelStopsWithinAFile()
     QVERIFY(m_reader->wasCanceled());
 }
 
-void TestZipReaderProgress::closingTheDialogCancels()
+void ZipReaderProgressTest::closingTheDialogCancels()
 {
     m_dialog->show();
     onceUnderWay([this] { m_dialog->close(); });
@@ -144,7 +144,7 @@ void TestZipReaderProgress::closingTheDialogCancels()
     QVERIFY(quint64(unpackedSize()) < someSeconds.count / 2);
 }
 
-void TestZipReaderProgress::cancelButtonCancels()
+void ZipReaderProgressTest::cancelButtonCancels()
 {
     onceUnderWay([this] { m_dialog->findChild<QPushButton*>()->click(); });
     m_reader->extractFiles({"huge"}, target(), false);
@@ -153,7 +153,7 @@ void TestZipReaderProgress::cancelButtonCancels()
     QVERIFY(quint64(unpackedSize()) < someSeconds.count / 2);
 }
 
-void TestZipReaderProgress::cancelStopsThePlanning_data()
+void ZipReaderProgressTest::cancelStopsThePlanning_data()
 {
     QTest::addColumn<QByteArray>("archive");
     QTest::newRow("links") << linkBomb().bytes();
@@ -161,7 +161,7 @@ void TestZipReaderProgress::cancelStopsThePlanning_data()
 }
 
 /** These archives are refused, but after seconds: cancelling comes first, and throws nothing. */
-void TestZipReaderProgress::cancelStopsThePlanning()
+void ZipReaderProgressTest::cancelStopsThePlanning()
 {
     QFETCH(QByteArray, archive);
     writeFile(path("a.zip"), archive);
@@ -179,7 +179,7 @@ void TestZipReaderProgress::cancelStopsThePlanning()
     QVERIFY2(ending.elapsed() < 2000, qPrintable(QString::number(ending.elapsed())));
 }
 
-void TestZipReaderProgress::cancelKeepsWhatIsThere()
+void ZipReaderProgressTest::cancelKeepsWhatIsThere()
 {
     onceUnderWay([this] { m_dialog->cancel(); });
     m_reader->extractFiles({"small", "huge"}, target(), false);
@@ -187,7 +187,7 @@ void TestZipReaderProgress::cancelKeepsWhatIsThere()
     QVERIFY(QFileInfo::exists(path("target/huge")));
 }
 
-void TestZipReaderProgress::cancelIsForgottenWithANewDialog()
+void ZipReaderProgressTest::cancelIsForgottenWithANewDialog()
 {
     onceUnderWay([this] { m_dialog->cancel(); });
     m_reader->extractFiles({"huge"}, target(), false);
@@ -201,13 +201,13 @@ void TestZipReaderProgress::cancelIsForgottenWithANewDialog()
     QCOMPARE(contentOf(path("target/small")), QByteArray("content"));
 }
 
-void TestZipReaderProgress::failureIsNoCancel()
+void ZipReaderProgressTest::failureIsNoCancel()
 {
     QVERIFY_EXCEPTION_THROWN(m_reader->extractFiles({"missing"}, target(), false), IOException);
     QVERIFY(!m_reader->wasCanceled());
 }
 
-void TestZipReaderProgress::dialogDestroyedMeanwhile()
+void ZipReaderProgressTest::dialogDestroyedMeanwhile()
 {
     onceUnderWay([this] { m_dialog.reset(); });
     m_reader->extractFiles({"small", "huge"}, target(), false);
@@ -216,7 +216,7 @@ void TestZipReaderProgress::dialogDestroyedMeanwhile()
     QCOMPARE(quint64(unpackedSize()), someSeconds.count);
 }
 
-void TestZipReaderProgress::dialogDetachedMeanwhile()
+void ZipReaderProgressTest::dialogDetachedMeanwhile()
 {
     onceUnderWay([this] { m_reader->attachProgressDialog(nullptr); });
     m_reader->extractFiles({"huge"}, target(), false);
@@ -224,7 +224,7 @@ void TestZipReaderProgress::dialogDetachedMeanwhile()
     QVERIFY(m_dialog->value() < 1000);
 }
 
-void TestZipReaderProgress::readerDestroyedMeanwhile()
+void ZipReaderProgressTest::readerDestroyedMeanwhile()
 {
     onceUnderWay([this] { m_reader.reset(); });
     ZipReader* const reader = m_reader.data();
@@ -234,7 +234,7 @@ void TestZipReaderProgress::readerDestroyedMeanwhile()
 }
 
 /** Such a dialog processes events whenever its value is set; those are then the last. */
-void TestZipReaderProgress::readerDestroyedByAModalDialog()
+void ZipReaderProgressTest::readerDestroyedByAModalDialog()
 {
     m_dialog->setWindowModality(Qt::WindowModal);
     bool isServed = false;
@@ -253,7 +253,7 @@ void TestZipReaderProgress::readerDestroyedByAModalDialog()
     QTRY_VERIFY(isServed);
 }
 
-void TestZipReaderProgress::readerOpenedAnewMeanwhile()
+void ZipReaderProgressTest::readerOpenedAnewMeanwhile()
 {
     onceUnderWay([this] { QVERIFY(!m_reader->open(QIODevice::WriteOnly)); });
     m_reader->extractFiles({"huge"}, target(), false);
@@ -261,7 +261,7 @@ void TestZipReaderProgress::readerOpenedAnewMeanwhile()
     QVERIFY(!m_reader->isOpen());
 }
 
-void TestZipReaderProgress::extractingWhileExtracting()
+void ZipReaderProgressTest::extractingWhileExtracting()
 {
     QString reason;
     onceUnderWay([this, &reason] {
@@ -277,7 +277,7 @@ void TestZipReaderProgress::extractingWhileExtracting()
     QVERIFY(!QFileInfo::exists(path("other")));
 }
 
-void TestZipReaderProgress::smallArchiveEndsTheDialog()
+void ZipReaderProgressTest::smallArchiveEndsTheDialog()
 {
     m_dialog->setAutoReset(false);
     m_reader->extractFiles({"small"}, target(), false);
@@ -285,5 +285,5 @@ void TestZipReaderProgress::smallArchiveEndsTheDialog()
     QVERIFY(!m_reader->wasCanceled());
 }
 
-VX_TEST_MAIN(TestZipReaderProgress)
+VX_TEST_MAIN(ZipReaderProgressTest)
 #include "tst_ZipReaderProgress.moc"

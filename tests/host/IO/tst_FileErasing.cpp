@@ -2,10 +2,10 @@
 #include <QtTest>
 
 #include <memory>
-
-#include <unistd.h>
+#include <thread>
 
 #include "host/IO/FileUtils.h"
+#include "tests/support/FileRights.h"
 #include "tests/support/TestMain.h"
 
 using vx::FileUtils;
@@ -25,25 +25,20 @@ bool isThere(const QString& path)
     return info.exists() || info.isSymLink();
 }
 
-constexpr uid_t nobody = 65534;
-
-/** Takes the rights of the superuser away while it lives, since they open everything. */
-class AsOrdinaryUser
+/** Whether it is erased for somebody whom the permissions of files bind, which they do not root. */
+bool eraseWithFileRights(const QString& path)
 {
-public:
-    AsOrdinaryUser() { setUser(nobody); }
-    ~AsOrdinaryUser() { setUser(0); }
-    Q_DISABLE_COPY(AsOrdinaryUser)
-
-private:
-    void setUser(uid_t user)
-    {
-        if (m_isSuperuser && seteuid(user) != 0) {
-            qFatal("The user cannot be changed.");
-        }
+    bool isBound = false;
+    bool isErased = false;
+    std::thread([&] {
+        isBound = vx::test::submitToFileRights();
+        isErased = isBound && FileUtils::erase(path);
+    }).join();
+    if (!isBound) {
+        qFatal("The rights of root cannot be given up.");
     }
-    bool m_isSuperuser = getuid() == 0;
-};
+    return isErased;
+}
 
 } // namespace
 
@@ -327,8 +322,7 @@ void FileErasingTest::erasesBelowAProtectedFolder()
 
 void FileErasingTest::erasesReadOnlyContent()
 {
-    const AsOrdinaryUser ordinary;
-    QTemporaryDir folder(QStringLiteral("/tmp/tst_FileErasing-XXXXXX"));
+    QTemporaryDir folder;
     const QString target = folder.filePath(QStringLiteral("target"));
     const QString sub = target + QStringLiteral("/sub/deeper");
     QVERIFY(QDir().mkpath(sub));
@@ -337,18 +331,17 @@ void FileErasingTest::erasesReadOnlyContent()
     QVERIFY(QFile::setPermissions(sub, QFile::ReadOwner | QFile::ExeOwner));
     QVERIFY(QFile::setPermissions(target + QStringLiteral("/sub"), QFile::Permissions()));
     QVERIFY(QFile::setPermissions(target, QFile::ReadOwner));
-    QVERIFY(FileUtils::erase(target));
+    QVERIFY(eraseWithFileRights(target));
     QVERIFY(!isThere(target));
 }
 
 void FileErasingTest::failsWithoutRights()
 {
-    const AsOrdinaryUser ordinary;
-    QTemporaryDir folder(QStringLiteral("/tmp/tst_FileErasing-XXXXXX"));
+    QTemporaryDir folder;
     const QString file = folder.filePath(QStringLiteral("file"));
     write(file);
     QVERIFY(QFile::setPermissions(folder.path(), QFile::ReadOwner | QFile::ExeOwner));
-    QVERIFY(!FileUtils::erase(file));
+    QVERIFY(!eraseWithFileRights(file));
     QVERIFY(isThere(file));
     QVERIFY(QFile::setPermissions(folder.path(),
                                   QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));

@@ -2,10 +2,12 @@
 #include <QtTest>
 
 #include <csignal>
+#include <thread>
 
 #include <sys/resource.h>
 
 #include "host/IO/FileUtils.h"
+#include "tests/support/FileRights.h"
 #include "tests/support/TestMain.h"
 
 using vx::FileUtils;
@@ -19,6 +21,22 @@ QByteArray allBytes()
         bytes.append(char(i));
     }
     return bytes + "\r\n\n\r";
+}
+
+/** Writes as somebody whom the permissions of files bind, which they do not with root. */
+bool writeWithFileRights(const QByteArray& bytes, const QString& path)
+{
+    bool isBound = false;
+    bool isWritten = false;
+    std::thread writer([&] {
+        isBound = vx::test::submitToFileRights();
+        isWritten = isBound && FileUtils::writeBytes(bytes, path);
+    });
+    writer.join();
+    if (!isBound) {
+        qFatal("The rights of root cannot be given up.");
+    }
+    return isWritten;
 }
 
 /** While it lives, no file can grow beyond a few bytes, as on a full disk. */
@@ -63,6 +81,7 @@ private slots:
     void keepsTheContentOnFailure();
     void leavesNoOtherFiles();
     void writesThroughALink();
+    void writesWhereOnlyTheFileMayBeWritten();
     void failsToWriteWhereItCannot();
 };
 
@@ -200,6 +219,23 @@ void FileUtilsTest::writesThroughALink()
     QVERIFY(FileUtils::writeBytes("after", link));
     QVERIFY(QFileInfo(link).isSymLink());
     QCOMPARE(FileUtils::readBytes(file), QByteArray("after"));
+}
+
+void FileUtilsTest::writesWhereOnlyTheFileMayBeWritten()
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(QStringLiteral("file"));
+    QVERIFY(FileUtils::writeBytes("a long content", file));
+    QVERIFY(QFile::setPermissions(folder.path(), QFile::ReadOwner | QFile::ExeOwner));
+    QVERIFY(writeWithFileRights("short", file));
+    QCOMPARE(FileUtils::readBytes(file), QByteArray("short"));
+    QVERIFY(!writeWithFileRights("x", folder.filePath(QStringLiteral("other"))));
+
+    QVERIFY(QFile::setPermissions(file, QFile::ReadOwner));
+    QVERIFY(!writeWithFileRights("x", file));
+    QCOMPARE(FileUtils::readBytes(file), QByteArray("short"));
+    QVERIFY(QFile::setPermissions(folder.path(),
+                                  QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
 }
 
 void FileUtilsTest::failsToWriteWhereItCannot()

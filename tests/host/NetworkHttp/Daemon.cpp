@@ -7,6 +7,8 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 
+#include <unistd.h>
+
 namespace vx::test {
 
 namespace {
@@ -44,20 +46,6 @@ PidFile "%2/tinyproxy.pid"
 LogFile "%2/tinyproxy.log"
 )";
 
-QString programPath(const QString& name)
-{
-    const QString path = QStandardPaths::findExecutable(name);
-    return path.isEmpty() ? QStandardPaths::findExecutable(name, {"/usr/sbin", "/usr/local/sbin"})
-                          : path;
-}
-
-quint16 freePort()
-{
-    QTcpServer probe;
-    probe.listen(QHostAddress::LocalHost);
-    return probe.serverPort();
-}
-
 bool accepts(quint16 port)
 {
     QTcpSocket socket;
@@ -79,6 +67,21 @@ QString withLogin(const QString& user, const QString& password)
 
 } // namespace
 
+QString programPath(const QString& program)
+{
+    const QString path = QStandardPaths::findExecutable(program);
+    return path.isEmpty()
+               ? QStandardPaths::findExecutable(program, {"/usr/sbin", "/usr/local/sbin"})
+               : path;
+}
+
+quint16 freePort()
+{
+    QTcpServer probe;
+    probe.listen(QHostAddress::LocalHost);
+    return probe.serverPort();
+}
+
 Daemon::Daemon(const QString& program, const QStringList& arguments, const QString& configuration)
     : m_program(program)
     , m_arguments(arguments)
@@ -95,6 +98,9 @@ Daemon::~Daemon()
 
 bool Daemon::start()
 {
+    if (programPath(m_program).isEmpty()) {
+        return false;
+    }
     // Someone may take the port between the look and the start.
     for (int attempt = 0; attempt < 5; ++attempt) {
         if (startOn(freePort())) {
@@ -113,7 +119,8 @@ bool Daemon::startOn(quint16 port)
     }
     file.write(m_configuration.arg(port).arg(m_folder.path()).toUtf8());
     file.close();
-    m_process.start(programPath(m_program), QStringList(m_arguments).replaceInStrings("%1", path));
+    const QStringList command = commandLine(path);
+    m_process.start(command.first(), command.mid(1));
     QDeadlineTimer deadline(startTime);
     while (!m_process.waitForFinished(10) && !deadline.hasExpired()) {
         if (m_process.state() == QProcess::Running && accepts(port)) {
@@ -124,6 +131,26 @@ bool Daemon::startOn(quint16 port)
     m_process.kill();
     m_process.waitForFinished();
     return false;
+}
+
+QStringList Daemon::commandLine(const QString& configurationPath) const
+{
+    // The system stops the program if the test dies before it can.
+    QStringList command = {programPath("setpriv"), "--pdeathsig", "KILL"};
+    if (geteuid() == 0 && !m_userForRoot.isEmpty()) {
+        command += {"--reuid", m_userForRoot, "--regid", m_userForRoot, "--clear-groups"};
+    }
+    command += {"--", programPath(m_program)};
+    return command + QStringList(m_arguments).replaceInStrings("%1", configurationPath);
+}
+
+QByteArray Daemon::output()
+{
+    if (programPath(m_program).isEmpty()) {
+        return m_program.toLatin1() +
+               " is not installed; scripts/install-dependencies --tests does that";
+    }
+    return m_process.readAll();
 }
 
 Nginx::Nginx()

@@ -7,9 +7,15 @@
 
 namespace vx::test {
 
+/** Where the system keeps @p program; empty if it isn't installed. */
+QString programPath(const QString& program);
+
+/** A port of loopback that was free a moment ago. */
+quint16 freePort();
+
 /**
  * A server program from the system, run on a loopback port of its own in a folder of its own. It is
- * stopped on destruction.
+ * stopped on destruction, and by the system if the test ends in any other way.
  */
 class Daemon
 {
@@ -32,16 +38,23 @@ public:
     /** A private folder that the program may read. */
     QString folder() const { return m_folder.path(); }
 
-    /** What the program said, for the message of a test that fails. */
-    QByteArray output() { return m_process.readAll(); }
+    /** What the program said, or that it is not installed, for the message of a failing test. */
+    QByteArray output();
+
+protected:
+    /** From the next start on the program runs as @p user, where the test itself runs as root. */
+    void setUserForRoot(const QString& user) { m_userForRoot = user; }
 
 private:
+    QStringList commandLine(const QString& configurationPath) const;
     bool startOn(quint16 port);
 
     QString m_program;
     QStringList m_arguments;
     QString m_configuration;
-    QTemporaryDir m_folder;
+    QString m_userForRoot;
+    // The temporary folder of a test lets nobody else in, and some programs refuse to be root.
+    QTemporaryDir m_folder{QStringLiteral("/tmp/daemon-XXXXXX")};
     QProcess m_process;
     quint16 m_port = 0;
 };

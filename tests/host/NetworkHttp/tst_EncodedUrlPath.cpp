@@ -3,7 +3,7 @@
 #include "host/NetworkHttp/HttpClient.h"
 #include "tests/support/TestMain.h"
 
-class TestEncodedUrlPath : public QObject
+class EncodedUrlPathTest : public QObject
 {
     Q_OBJECT
 
@@ -14,7 +14,7 @@ private slots:
     void comesBackFromARequest();
 };
 
-void TestEncodedUrlPath::encodesOnce_data()
+void EncodedUrlPathTest::encodesOnce_data()
 {
     QTest::addColumn<QString>("url");
     QTest::addColumn<QString>("path");
@@ -58,20 +58,20 @@ void TestEncodedUrlPath::encodesOnce_data()
                            << "";
 }
 
-void TestEncodedUrlPath::encodesOnce()
+void EncodedUrlPathTest::encodesOnce()
 {
     QFETCH(QString, url);
     QTEST(HttpClient::encodedUrlPath(url), "path");
     QTEST(HttpClient::encodedUrlPath(QUrl(url)), "path");
 }
 
-void TestEncodedUrlPath::readsBarePaths()
+void EncodedUrlPathTest::readsBarePaths()
 {
     QCOMPARE(HttpClient::encodedUrlPath(QString("/a b?c")), QString("/a%20b"));
     QCOMPARE(HttpClient::encodedUrlPath(QString("a b")), QString("a%20b"));
 }
 
-void TestEncodedUrlPath::comesBackFromARequest()
+void EncodedUrlPathTest::comesBackFromARequest()
 {
     const QUrl url("http://h/a%2Fb/100%25/c d/%C3%BC.zip");
     HttpClient client(vx::HttpHost(vx::HttpAccess("h", 80, "", ""), vx::HttpAccess(), ""));
@@ -80,5 +80,5 @@ void TestEncodedUrlPath::comesBackFromARequest()
     QCOMPARE(request->requestUrls, QList<QUrl>({url}));
 }
 
-VX_TEST_MAIN(TestEncodedUrlPath)
+VX_TEST_MAIN(EncodedUrlPathTest)
 #include "tst_EncodedUrlPath.moc"

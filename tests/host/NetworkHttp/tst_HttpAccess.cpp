@@ -7,7 +7,7 @@
 using vx::HttpAccess;
 using vx::HttpAccessHistory;
 
-class TestHttpAccess : public QObject
+class HttpAccessTest : public QObject
 {
     Q_OBJECT
 
@@ -29,7 +29,7 @@ private slots:
     void ignoresWhatIsNoAccess();
 };
 
-void TestHttpAccess::isEmptyAtFirst()
+void HttpAccessTest::isEmptyAtFirst()
 {
     const HttpAccess access;
     QCOMPARE(access.address, QString());
@@ -38,7 +38,7 @@ void TestHttpAccess::isEmptyAtFirst()
     QCOMPARE(QString(access), QString());
 }
 
-void TestHttpAccess::takesHostAndPort_data()
+void HttpAccessTest::takesHostAndPort_data()
 {
     QTest::addColumn<QString>("host");
     QTest::addColumn<int>("port");
@@ -65,7 +65,7 @@ void TestHttpAccess::takesHostAndPort_data()
     QTest::newRow("empty brackets") << "[]" << 8080 << "" << 80 << "";
 }
 
-void TestHttpAccess::takesHostAndPort()
+void HttpAccessTest::takesHostAndPort()
 {
     QFETCH(QString, host);
     QFETCH(int, port);
@@ -79,7 +79,7 @@ void TestHttpAccess::takesHostAndPort()
     QTEST(constructed.port, "takenPort");
 }
 
-void TestHttpAccess::forgetsTheLoginWithTheAddress()
+void HttpAccessTest::forgetsTheLoginWithTheAddress()
 {
     HttpAccess access("proxy", 3128, "user", "secret");
     QCOMPARE(access.user, QString("user"));
@@ -92,7 +92,7 @@ void TestHttpAccess::forgetsTheLoginWithTheAddress()
     QCOMPARE(QString(access), QString("https://other:80"));
 }
 
-void TestHttpAccess::takesUrl_data()
+void HttpAccessTest::takesUrl_data()
 {
     QTest::addColumn<QUrl>("url");
     QTest::addColumn<QString>("text");
@@ -126,7 +126,7 @@ void TestHttpAccess::takesUrl_data()
                               << ":";
 }
 
-void TestHttpAccess::takesUrl()
+void HttpAccessTest::takesUrl()
 {
     QFETCH(QUrl, url);
     HttpAccess access("old", 1234, "old", "old");
@@ -135,7 +135,7 @@ void TestHttpAccess::takesUrl()
     QTEST(access.user + ":" + access.password, "login");
 }
 
-void TestHttpAccess::parsesAddress_data()
+void HttpAccessTest::parsesAddress_data()
 {
     QTest::addColumn<QString>("typed");
     QTest::addColumn<QString>("address");
@@ -200,7 +200,7 @@ void TestHttpAccess::parsesAddress_data()
                            << "" << 80 << ":";
 }
 
-void TestHttpAccess::parsesAddress()
+void HttpAccessTest::parsesAddress()
 {
     QFETCH(QString, typed);
     HttpAccess access("old", 1234, "old", "old");
@@ -210,7 +210,7 @@ void TestHttpAccess::parsesAddress()
     QTEST(access.user + ":" + access.password, "login");
 }
 
-void TestHttpAccess::isReadBackFromItsText_data()
+void HttpAccessTest::isReadBackFromItsText_data()
 {
     QTest::addColumn<QString>("typed");
     QTest::newRow("name") << "example.com";
@@ -220,7 +220,7 @@ void TestHttpAccess::isReadBackFromItsText_data()
     QTest::newRow("IPv6") << "[2001:db8::1]:8080";
 }
 
-void TestHttpAccess::isReadBackFromItsText()
+void HttpAccessTest::isReadBackFromItsText()
 {
     QFETCH(QString, typed);
     HttpAccess access;
@@ -231,7 +231,7 @@ void TestHttpAccess::isReadBackFromItsText()
     QVERIFY(again.hasSameAddress(access));
 }
 
-void TestHttpAccess::remembersTheLatestFirst()
+void HttpAccessTest::remembersTheLatestFirst()
 {
     HttpAccessHistory history;
     history.add(HttpAccess("a", 1, "", ""));
@@ -243,7 +243,7 @@ void TestHttpAccess::remembersTheLatestFirst()
     QVERIFY(history.entries().isEmpty());
 }
 
-void TestHttpAccess::remembersEachAddressOnce()
+void HttpAccessTest::remembersEachAddressOnce()
 {
     HttpAccessHistory history;
     history.add(HttpAccess("proxy", 3128, "old", ""));
@@ -254,7 +254,7 @@ void TestHttpAccess::remembersEachAddressOnce()
     QCOMPARE(history.entries().at(1).port, 8080);
 }
 
-void TestHttpAccess::remembersNoPassword()
+void HttpAccessTest::remembersNoPassword()
 {
     HttpAccessHistory history;
     history.add(HttpAccess("proxy", 3128, "user", "secret"));
@@ -262,7 +262,7 @@ void TestHttpAccess::remembersNoPassword()
     QCOMPARE(history.entries().at(0).password, QString());
 }
 
-void TestHttpAccess::remembersSoManyAndNoMore()
+void HttpAccessTest::remembersSoManyAndNoMore()
 {
     HttpAccessHistory history;
     for (int port = 1; port <= HttpAccessHistory::capacity + 5; ++port) {
@@ -273,7 +273,7 @@ void TestHttpAccess::remembersSoManyAndNoMore()
     QCOMPARE(history.entries().last().port, 6);
 }
 
-void TestHttpAccess::ignoresWhatIsNoAccess()
+void HttpAccessTest::ignoresWhatIsNoAccess()
 {
     HttpAccessHistory::proxies.clear();
     HttpAccessHistory::proxies.add(HttpAccess());
@@ -282,5 +282,5 @@ void TestHttpAccess::ignoresWhatIsNoAccess()
     QCOMPARE(HttpAccessHistory::proxies.entries().size(), 1);
 }
 
-VX_TEST_MAIN(TestHttpAccess)
+VX_TEST_MAIN(HttpAccessTest)
 #include "tst_HttpAccess.moc"

@@ -12,7 +12,7 @@ using namespace vx::test;
 using Params = QMap<QString, QVariant>;
 
 /** What a request asks, what it hands back, and who is told of it. */
-class TestHttpClient : public QObject
+class HttpClientTest : public QObject
 {
     Q_OBJECT
 
@@ -53,9 +53,10 @@ private slots:
     void ignoresNull();
     void runsSeveralAtOnce();
     void logsInToTheServer();
+    void sendsAWrongPasswordOnce();
 };
 
-void TestHttpClient::asksForThePath()
+void HttpClientTest::asksForThePath()
 {
     RawServer server;
     HttpClient client(server.host());
@@ -69,7 +70,7 @@ void TestHttpClient::asksForThePath()
              QList<QUrl>({QUrl::fromEncoded(server.url("/a%2Fb/100%25/c%20d.xml"))}));
 }
 
-void TestHttpClient::asksForIdentity()
+void HttpClientTest::asksForIdentity()
 {
     RawServer server;
     HttpClient client(server.host());
@@ -79,7 +80,7 @@ void TestHttpClient::asksForIdentity()
     QCOMPARE(headerOf(server.requests().first(), "Accept-Encoding"), QByteArray("identity"));
 }
 
-void TestHttpClient::asksForTheRootIfThePathIsEmpty()
+void HttpClientTest::asksForTheRootIfThePathIsEmpty()
 {
     RawServer server;
     HttpClient client(server.host());
@@ -89,7 +90,7 @@ void TestHttpClient::asksForTheRootIfThePathIsEmpty()
     QCOMPARE(targetOf(server.requests().first()), QByteArray("/"));
 }
 
-void TestHttpClient::asksForTheQuery()
+void HttpClientTest::asksForTheQuery()
 {
     RawServer server;
     HttpClient client(server.host());
@@ -100,7 +101,7 @@ void TestHttpClient::asksForTheQuery()
     QCOMPARE(targetOf(server.requests().first()), QByteArray("/p?a=1%202&b=%2B%26"));
 }
 
-void TestHttpClient::asksTheHostSetLast()
+void HttpClientTest::asksTheHostSetLast()
 {
     RawServer first;
     RawServer second;
@@ -118,25 +119,25 @@ void TestHttpClient::asksTheHostSetLast()
     QCOMPARE(targetOf(second.requests().first()), QByteArray("/late"));
 }
 
-void TestHttpClient::asksOnTheNamedPort()
+void HttpClientTest::asksOnTheNamedPort()
 {
     // The caller changes the address only; the proxy settings stay. Here "port 80" is the proxy's
     // business, so that the test needs no right to listen there.
     RawServer proxy;
     vx::HttpHost host(vx::HttpAccess(), vx::HttpAccess("127.0.0.1", proxy.serverPort(), "", ""),
                       "");
-    host.server.setAddress("download.example", 80, false);
+    host.server.setAddress("download.example.com", 80, false);
     HttpClient client(host);
     ResultReceiver receiver;
     const RequestPtr request =
         client.get("/x", &receiver, SLOT(queryResult(RequestPtr)), ownBuffer());
     QTRY_COMPARE(receiver.results.size(), 1);
-    QCOMPARE(targetOf(proxy.requests().first()), QByteArray("http://download.example/x"));
-    QCOMPARE(headerOf(proxy.requests().first(), "Host"), QByteArray("download.example"));
-    QCOMPARE(request->requestUrls.first(), QUrl("http://download.example/x"));
+    QCOMPARE(targetOf(proxy.requests().first()), QByteArray("http://download.example.com/x"));
+    QCOMPARE(headerOf(proxy.requests().first(), "Host"), QByteArray("download.example.com"));
+    QCOMPARE(request->requestUrls.first(), QUrl("http://download.example.com/x"));
 }
 
-void TestHttpClient::sendsNoLineBreaks_data()
+void HttpClientTest::sendsNoLineBreaks_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<Params>("params");
@@ -149,7 +150,7 @@ void TestHttpClient::sendsNoLineBreaks_data()
     QTest::newRow("agent") << "/" << Params() << evil;
 }
 
-void TestHttpClient::sendsNoLineBreaks()
+void HttpClientTest::sendsNoLineBreaks()
 {
     QFETCH(QString, path);
     QFETCH(Params, params);
@@ -166,7 +167,7 @@ void TestHttpClient::sendsNoLineBreaks()
     QVERIFY(headerOf(server.requests().first(), "X-Evil").isEmpty());
 }
 
-void TestHttpClient::sendsNoCookies()
+void HttpClientTest::sendsNoCookies()
 {
     RawServer server;
     server.setScript([&server](QTcpSocket* socket, const QByteArray& request) {
@@ -187,7 +188,7 @@ void TestHttpClient::sendsNoCookies()
     }
 }
 
-void TestHttpClient::namesItself()
+void HttpClientTest::namesItself()
 {
     RawServer server;
     vx::HttpHost host = server.host();
@@ -199,7 +200,7 @@ void TestHttpClient::namesItself()
     QCOMPARE(headerOf(server.requests().first(), "User-Agent"), QByteArray("Product/1.2"));
 }
 
-void TestHttpClient::keepsWhatAServerCompressed()
+void HttpClientTest::keepsWhatAServerCompressed()
 {
     const QByteArray compressed = qCompress(QByteArray(1000, 'x')).mid(4);
     RawServer server;
@@ -212,7 +213,7 @@ void TestHttpClient::keepsWhatAServerCompressed()
     QCOMPARE(request->getResponseBuffer()->data(), compressed);
 }
 
-void TestHttpClient::handsBackTheAnswer()
+void HttpClientTest::handsBackTheAnswer()
 {
     RawServer server;
     server.setReply(rawReply(200, "<xml/>", {{"Set-Cookie", "id=7"}}));
@@ -234,7 +235,7 @@ void TestHttpClient::handsBackTheAnswer()
     QCOMPARE(request->getResponseText(), QString("<xml/>"));
 }
 
-void TestHttpClient::handsBackEveryStatus_data()
+void HttpClientTest::handsBackEveryStatus_data()
 {
     QTest::addColumn<int>("status");
     for (const int status : {200, 201, 206, 300, 304, 400, 401, 403, 404, 410, 416, 500, 503}) {
@@ -242,7 +243,7 @@ void TestHttpClient::handsBackEveryStatus_data()
     }
 }
 
-void TestHttpClient::handsBackEveryStatus()
+void HttpClientTest::handsBackEveryStatus()
 {
     QFETCH(int, status);
     RawServer server;
@@ -256,7 +257,7 @@ void TestHttpClient::handsBackEveryStatus()
     QCOMPARE(request->getResponseText(), QString(status == 304 ? "" : "the page"));
 }
 
-void TestHttpClient::handsBackTheText_data()
+void HttpClientTest::handsBackTheText_data()
 {
     QTest::addColumn<QByteArray>("type");
     QTest::addColumn<QByteArray>("bytes");
@@ -276,7 +277,7 @@ void TestHttpClient::handsBackTheText_data()
                                  << QByteArray("\xff\xfeG\0r\0\xfc\0\xdf\0", 10);
 }
 
-void TestHttpClient::handsBackTheText()
+void HttpClientTest::handsBackTheText()
 {
     QFETCH(QByteArray, type);
     QFETCH(QByteArray, bytes);
@@ -291,7 +292,7 @@ void TestHttpClient::handsBackTheText()
     QCOMPARE(request->getResponseText(), QString::fromUtf8("Gr\xc3\xbc\xc3\x9f"));
 }
 
-void TestHttpClient::handsBackRepeatedHeaders()
+void HttpClientTest::handsBackRepeatedHeaders()
 {
     RawServer server;
     server.setReply(rawReply(
@@ -305,7 +306,7 @@ void TestHttpClient::handsBackRepeatedHeaders()
              QStringList({"a=1; expires=Thu, 01 Jan 2032", "b=2"}));
 }
 
-void TestHttpClient::handsBackAllOfABody_data()
+void HttpClientTest::handsBackAllOfABody_data()
 {
     QTest::addColumn<QByteArray>("header");
     QTest::newRow("length") << QByteArray("Content-Length: 20000000\r\n\r\n");
@@ -313,7 +314,7 @@ void TestHttpClient::handsBackAllOfABody_data()
     QTest::newRow("one chunk") << QByteArray("Transfer-Encoding: chunked\r\n\r\n1312D00\r\n");
 }
 
-void TestHttpClient::handsBackAllOfABody()
+void HttpClientTest::handsBackAllOfABody()
 {
     // The end of the connection is seen long before the last byte is taken.
     QFETCH(QByteArray, header);
@@ -330,7 +331,7 @@ void TestHttpClient::handsBackAllOfABody()
     QCOMPARE(request->getResponseBuffer()->size(), 20000000LL);
 }
 
-void TestHttpClient::writesToTheDevice()
+void HttpClientTest::writesToTheDevice()
 {
     RawServer server;
     server.setReply(rawReply(200, "body"));
@@ -347,7 +348,7 @@ void TestHttpClient::writesToTheDevice()
     QCOMPARE(request->getResponseText(), QString());
 }
 
-void TestHttpClient::writesToTheSharedDevice()
+void HttpClientTest::writesToTheSharedDevice()
 {
     RawServer server;
     server.setReply(rawReply(200, "body"));
@@ -366,7 +367,7 @@ void TestHttpClient::writesToTheSharedDevice()
     QTRY_VERIFY(device.unique());
 }
 
-void TestHttpClient::throwsTheBodyAway()
+void HttpClientTest::throwsTheBodyAway()
 {
     RawServer server;
     server.setReply(rawReply(200, "body"));
@@ -378,7 +379,7 @@ void TestHttpClient::throwsTheBodyAway()
     QCOMPARE(request->statusCode, 200);
 }
 
-void TestHttpClient::startsNothingBeforeExecute()
+void HttpClientTest::startsNothingBeforeExecute()
 {
     RawServer server;
     HttpClient client(server.host());
@@ -397,7 +398,7 @@ void TestHttpClient::startsNothingBeforeExecute()
     QCOMPARE(targetOf(server.requests().first()), QByteArray("/second"));
 }
 
-void TestHttpClient::raisesRequestStartedFirst()
+void HttpClientTest::raisesRequestStartedFirst()
 {
     RawServer server;
     HttpClient client(server.host());
@@ -416,7 +417,7 @@ void TestHttpClient::raisesRequestStartedFirst()
     QCOMPARE(started.count(), 1);
 }
 
-void TestHttpClient::callsTheSlotLater()
+void HttpClientTest::callsTheSlotLater()
 {
     HttpClient client; // without a host a request fails at once, and its slot is called later still
     ResultReceiver receiver;
@@ -429,7 +430,7 @@ void TestHttpClient::callsTheSlotLater()
     QVERIFY(!client.isExecutingRequest());
 }
 
-void TestHttpClient::callsSlotsOfEveryForm_data()
+void HttpClientTest::callsSlotsOfEveryForm_data()
 {
     QTest::addColumn<QByteArray>("slot");
     QTest::newRow("macro") << QByteArray(SLOT(queryResult(RequestPtr)));
@@ -439,7 +440,7 @@ void TestHttpClient::callsSlotsOfEveryForm_data()
     QTest::newRow("without parameter") << QByteArray("1queryDone()");
 }
 
-void TestHttpClient::callsSlotsOfEveryForm()
+void HttpClientTest::callsSlotsOfEveryForm()
 {
     QFETCH(QByteArray, slot);
     RawServer server;
@@ -451,7 +452,7 @@ void TestHttpClient::callsSlotsOfEveryForm()
     QTRY_VERIFY(!client.isExecutingRequest());
 }
 
-void TestHttpClient::refusesSlotsThatDoNotFit_data()
+void HttpClientTest::refusesSlotsThatDoNotFit_data()
 {
     QTest::addColumn<QByteArray>("slot");
     QTest::newRow("unknown") << QByteArray("1unheardOf(RequestPtr)");
@@ -459,7 +460,7 @@ void TestHttpClient::refusesSlotsThatDoNotFit_data()
     QTest::newRow("garbage") << QByteArray("1((");
 }
 
-void TestHttpClient::refusesSlotsThatDoNotFit()
+void HttpClientTest::refusesSlotsThatDoNotFit()
 {
     QFETCH(QByteArray, slot);
     RawServer server;
@@ -473,7 +474,7 @@ void TestHttpClient::refusesSlotsThatDoNotFit()
     QVERIFY(!client.isExecutingRequest());
 }
 
-void TestHttpClient::isExecutingUntilTheSlotReturns()
+void HttpClientTest::isExecutingUntilTheSlotReturns()
 {
     RawServer server;
     HttpClient client(server.host());
@@ -488,7 +489,7 @@ void TestHttpClient::isExecutingUntilTheSlotReturns()
     QVERIFY(!client.isExecutingRequest());
 }
 
-void TestHttpClient::runsARequestOnce()
+void HttpClientTest::runsARequestOnce()
 {
     RawServer server;
     HttpClient client(server.host());
@@ -502,7 +503,7 @@ void TestHttpClient::runsARequestOnce()
     QCOMPARE(server.requests().size(), 1);
 }
 
-void TestHttpClient::ignoresNull()
+void HttpClientTest::ignoresNull()
 {
     HttpClient client;
     client.execute(RequestPtr());
@@ -511,7 +512,7 @@ void TestHttpClient::ignoresNull()
     QTRY_VERIFY(!client.isExecutingRequest());
 }
 
-void TestHttpClient::runsSeveralAtOnce()
+void HttpClientTest::runsSeveralAtOnce()
 {
     RawServer server;
     QList<QTcpSocket*> waiting;
@@ -532,7 +533,7 @@ void TestHttpClient::runsSeveralAtOnce()
     QCOMPARE(second.results.first()->getResponseText(), QString("/2"));
 }
 
-void TestHttpClient::logsInToTheServer()
+void HttpClientTest::logsInToTheServer()
 {
     RawServer server;
     server.setScript([](QTcpSocket* socket, const QByteArray& request) {
@@ -556,5 +557,21 @@ void TestHttpClient::logsInToTheServer()
     QCOMPARE(server.requests().size(), 4);
 }
 
-VX_TEST_MAIN(TestHttpClient)
+void HttpClientTest::sendsAWrongPasswordOnce()
+{
+    RawServer server;
+    server.setReply(rawReply(401, "", {{"WWW-Authenticate", R"(Digest realm="x", nonce="y")"}}));
+    vx::HttpHost host = server.host();
+    host.server.user = "me";
+    host.server.password = "wrong";
+    HttpClient client(host);
+    ResultReceiver receiver;
+    client.get("/", &receiver, SLOT(queryResult(RequestPtr)), ownBuffer());
+    QTRY_COMPARE(receiver.results.size(), 1);
+    QCOMPARE(receiver.results.first()->statusCode, 401);
+    QCOMPARE(server.requests().size(), 2);
+    QVERIFY(headerOf(server.requests().last(), "Authorization").startsWith("Digest "));
+}
+
+VX_TEST_MAIN(HttpClientTest)
 #include "tst_HttpClient.moc"

@@ -63,7 +63,7 @@ void countWarning(QtMsgType, const QMessageLogContext&, const QString&)
 } // namespace
 
 /** Servers that lie, stall or vanish, and devices that take no more: each request ends, once. */
-class TestHttpClientFaults : public QObject
+class HttpClientFaultsTest : public QObject
 {
     Q_OBJECT
 
@@ -75,6 +75,7 @@ private slots:
     void endsIfTheConnectionIsRefused();
     void endsIfNoByteComes_data();
     void endsIfNoByteComes();
+    void waitsTheWholeTime();
     void goesOnWhileBytesCome();
     void takesNoIdleTimeoutBelowOne();
     void waitsAMinuteByDefault();
@@ -86,9 +87,11 @@ private slots:
     void endsIfTheDeviceIsDestroyed();
     void endsIfTheOwnBufferIsFull();
     void keepsOneRequestsFaultFromAnother();
+    void noticesAMissingEndAtOnce_data();
+    void noticesAMissingEndAtOnce();
 };
 
-void TestHttpClientFaults::endsOnce_data()
+void HttpClientFaultsTest::endsOnce_data()
 {
     QTest::addColumn<QByteArray>("answer");
     QTest::addColumn<int>("status");
@@ -97,7 +100,8 @@ void TestHttpClientFaults::endsOnce_data()
     QTest::newRow("nothing") << QByteArray() << 0 << QByteArray();
     QTest::newRow("half a header")
         << QByteArray("HTTP/1.1 200 OK\r\nContent-") << 0 << QByteArray();
-    QTest::newRow("no HTTP") << QByteArray("220 mail.example ESMTP\r\n\r\n") << 0 << QByteArray();
+    QTest::newRow("no HTTP") << QByteArray("220 mail.example.com ESMTP\r\n\r\n") << 0
+                             << QByteArray();
     QTest::newRow("binary") << QByteArray("\0\xff\x01\r\n\r\n", 7) << 0 << QByteArray();
     QTest::newRow("header only") << announce(10) << 200 << QByteArray();
     QTest::newRow("cut short") << announce(10) + "12345" << 200 << QByteArray("12345");
@@ -115,7 +119,7 @@ void TestHttpClientFaults::endsOnce_data()
         << 200 << QByteArray("12345");
 }
 
-void TestHttpClientFaults::endsOnce()
+void HttpClientFaultsTest::endsOnce()
 {
     QFETCH(QByteArray, answer);
     RawServer server;
@@ -138,14 +142,14 @@ void TestHttpClientFaults::endsOnce()
     QCOMPARE(discarded.count(), 0);
 }
 
-void TestHttpClientFaults::endsWithoutServer_data()
+void HttpClientFaultsTest::endsWithoutServer_data()
 {
     QTest::addColumn<QString>("address");
     QTest::newRow("none") << "";
     QTest::newRow("garbage") << "://";
 }
 
-void TestHttpClientFaults::endsWithoutServer()
+void HttpClientFaultsTest::endsWithoutServer()
 {
     QFETCH(QString, address);
     vx::HttpHost host;
@@ -160,7 +164,7 @@ void TestHttpClientFaults::endsWithoutServer()
     QCOMPARE(request->getResponseText(), QString());
 }
 
-void TestHttpClientFaults::endsIfTheConnectionIsRefused()
+void HttpClientFaultsTest::endsIfTheConnectionIsRefused()
 {
     RawServer server;
     HttpClient client(server.host());
@@ -173,7 +177,7 @@ void TestHttpClientFaults::endsIfTheConnectionIsRefused()
     QVERIFY(request->responseHeader.keys().isEmpty());
 }
 
-void TestHttpClientFaults::endsIfNoByteComes_data()
+void HttpClientFaultsTest::endsIfNoByteComes_data()
 {
     QTest::addColumn<QByteArray>("answer");
     QTest::addColumn<int>("status");
@@ -183,7 +187,7 @@ void TestHttpClientFaults::endsIfNoByteComes_data()
     QTest::newRow("half a body") << announce(10) + "12345" << 200;
 }
 
-void TestHttpClientFaults::endsIfNoByteComes()
+void HttpClientFaultsTest::endsIfNoByteComes()
 {
     QFETCH(QByteArray, answer);
     RawServer server;
@@ -203,7 +207,33 @@ void TestHttpClientFaults::endsIfNoByteComes()
     QTRY_VERIFY2(isClosed, "the connection is not kept");
 }
 
-void TestHttpClientFaults::goesOnWhileBytesCome()
+void HttpClientFaultsTest::waitsTheWholeTime()
+{
+    constexpr int wait = 3900;
+    RawServer silent;
+    silent.setScript([](QTcpSocket*, const QByteArray&) {});
+    HttpClient client(silent.host());
+    client.setIdleTimeout(wait);
+    QList<qint64> waits;
+    ResultReceiver receiver;
+    QElapsedTimer clock;
+    clock.start();
+    receiver.whenCalled = [&] { waits.append(clock.elapsed()); };
+    QList<qint64> starts;
+    // A timer that rounds does so by the moment at which it begins.
+    for (int i = 0; i < 8; ++i) {
+        starts.append(clock.elapsed());
+        client.get("/", &receiver, SLOT(queryResult(RequestPtr)), ownBuffer());
+        QTest::qWait(60);
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(waits.size(), starts.size(), 20000);
+    for (int i = 0; i < starts.size(); ++i) {
+        QVERIFY2(waits[i] - starts[i] >= wait - 1,
+                 qPrintable(QString::number(waits[i] - starts[i])));
+    }
+}
+
+void HttpClientFaultsTest::goesOnWhileBytesCome()
 {
     constexpr int idleTimeout = 1000;
     RawServer server;
@@ -229,7 +259,7 @@ void TestHttpClientFaults::goesOnWhileBytesCome()
     QCOMPARE(request->getResponseText(), QString(12, 'x'));
 }
 
-void TestHttpClientFaults::takesNoIdleTimeoutBelowOne()
+void HttpClientFaultsTest::takesNoIdleTimeoutBelowOne()
 {
     RawServer server;
     server.setScript([](QTcpSocket* socket, const QByteArray&) {
@@ -248,13 +278,13 @@ void TestHttpClientFaults::takesNoIdleTimeoutBelowOne()
 }
 
 /** The minute itself is not waited for. */
-void TestHttpClientFaults::waitsAMinuteByDefault()
+void HttpClientFaultsTest::waitsAMinuteByDefault()
 {
     const int timeout = HttpClient::defaultIdleTimeout;
     QCOMPARE(timeout, 60000);
 }
 
-void TestHttpClientFaults::endsIfTheDeviceIsFull_data()
+void HttpClientFaultsTest::endsIfTheDeviceIsFull_data()
 {
     QTest::addColumn<int>("capacity");
     QTest::addColumn<bool>("takesThePart");
@@ -264,7 +294,7 @@ void TestHttpClientFaults::endsIfTheDeviceIsFull_data()
     QTest::newRow("short by one byte") << 999999 << true;
 }
 
-void TestHttpClientFaults::endsIfTheDeviceIsFull()
+void HttpClientFaultsTest::endsIfTheDeviceIsFull()
 {
     QFETCH(int, capacity);
     QFETCH(bool, takesThePart);
@@ -283,7 +313,7 @@ void TestHttpClientFaults::endsIfTheDeviceIsFull()
     QCOMPARE(device.taken == capacity, takesThePart || capacity == 0);
 }
 
-void TestHttpClientFaults::endsIfTheDiskIsFull()
+void HttpClientFaultsTest::endsIfTheDiskIsFull()
 {
     RawServer server;
     server.setScript([](QTcpSocket* socket, const QByteArray&) {
@@ -299,7 +329,7 @@ void TestHttpClientFaults::endsIfTheDiskIsFull()
     QCOMPARE(file.error(), QFileDevice::ResourceError);
 }
 
-void TestHttpClientFaults::endsIfTheDeviceIsClosed()
+void HttpClientFaultsTest::endsIfTheDeviceIsClosed()
 {
     RawServer server;
     server.setReply(rawReply(200, "body"));
@@ -319,7 +349,7 @@ void TestHttpClientFaults::endsIfTheDeviceIsClosed()
     QVERIFY(!file.exists());
 }
 
-void TestHttpClientFaults::endsIfTheDeviceIsReadOnly()
+void HttpClientFaultsTest::endsIfTheDeviceIsReadOnly()
 {
     RawServer server;
     server.setReply(rawReply(200, "body"));
@@ -332,7 +362,7 @@ void TestHttpClientFaults::endsIfTheDeviceIsReadOnly()
     QCOMPARE(device.data(), QByteArray());
 }
 
-void TestHttpClientFaults::endsIfTheDeviceIsDestroyed()
+void HttpClientFaultsTest::endsIfTheDeviceIsDestroyed()
 {
     RawServer server;
     QTcpSocket* peer = nullptr;
@@ -354,7 +384,7 @@ void TestHttpClientFaults::endsIfTheDeviceIsDestroyed()
     QCOMPARE(request->statusCode, 200);
 }
 
-void TestHttpClientFaults::endsIfTheOwnBufferIsFull()
+void HttpClientFaultsTest::endsIfTheOwnBufferIsFull()
 {
     RawServer server;
     qint64 left = HttpClient::maxBufferSize + 1;
@@ -377,7 +407,7 @@ void TestHttpClientFaults::endsIfTheOwnBufferIsFull()
     QCOMPARE(request->getResponseBuffer()->size(), HttpClient::maxBufferSize);
 }
 
-void TestHttpClientFaults::keepsOneRequestsFaultFromAnother()
+void HttpClientFaultsTest::keepsOneRequestsFaultFromAnother()
 {
     RawServer server;
     QTcpSocket* good = nullptr;
@@ -403,5 +433,29 @@ void TestHttpClientFaults::keepsOneRequestsFaultFromAnother()
     QCOMPARE(request->getResponseText(), QString("1234567890"));
 }
 
-VX_TEST_MAIN(TestHttpClientFaults)
+void HttpClientFaultsTest::noticesAMissingEndAtOnce_data()
+{
+    QTest::addColumn<int>("size");
+    // What the network stack holds back at most, and its neighbours.
+    for (const int size : {512 * 1024 - 1, 512 * 1024, 512 * 1024 + 1, 1024 * 1024}) {
+        QTest::addRow("%d bytes", size) << size;
+    }
+}
+
+void HttpClientFaultsTest::noticesAMissingEndAtOnce()
+{
+    QFETCH(int, size);
+    RawServer server;
+    server.setReply("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n" +
+                    QByteArray::number(size, 16) + "\r\n" + QByteArray(size, 'x') + "\r\n");
+    HttpClient client(server.host());
+    ResultReceiver receiver;
+    client.get("/", &receiver, SLOT(queryResult(RequestPtr)), ownBuffer());
+    // Otherwise it takes the minute after which a request without bytes ends.
+    QTRY_COMPARE_WITH_TIMEOUT(receiver.results.size(), 1, 20000);
+    QCOMPARE(receiver.results.first()->statusCode, 200);
+    QCOMPARE(receiver.results.first()->getResponseBuffer()->size(), size);
+}
+
+VX_TEST_MAIN(HttpClientFaultsTest)
 #include "tst_HttpClientFaults.moc"

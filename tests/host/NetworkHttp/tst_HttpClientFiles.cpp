@@ -42,7 +42,7 @@ qint64 memoryInUse()
 } // namespace
 
 /** Files from a real web server to the disk. */
-class TestHttpClientFiles : public QObject
+class HttpClientFilesTest : public QObject
 {
     Q_OBJECT
 
@@ -64,14 +64,14 @@ private:
     QTemporaryDir m_folder;
 };
 
-void TestHttpClientFiles::initTestCase()
+void HttpClientFilesTest::initTestCase()
 {
     QVERIFY2(m_nginx.start(), m_nginx.output().constData());
     const vx::HttpAccess server("127.0.0.1", m_nginx.port(), "", "");
     m_client = std::make_unique<HttpClient>(vx::HttpHost(server, vx::HttpAccess(), ""));
 }
 
-RequestPtr TestHttpClientFiles::download(const QString& name, QFile* file)
+RequestPtr HttpClientFilesTest::download(const QString& name, QFile* file)
 {
     ResultReceiver receiver;
     const RequestPtr request = m_client->get(HttpClient::encodedUrlPath("/" + name), &receiver,
@@ -86,7 +86,7 @@ RequestPtr TestHttpClientFiles::download(const QString& name, QFile* file)
     return request;
 }
 
-void TestHttpClientFiles::downloadsAFile_data()
+void HttpClientFilesTest::downloadsAFile_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<qint64>("size");
@@ -97,7 +97,7 @@ void TestHttpClientFiles::downloadsAFile_data()
     QTest::newRow("name with percent") << "100%25.zip" << 1000LL;
 }
 
-void TestHttpClientFiles::downloadsAFile()
+void HttpClientFilesTest::downloadsAFile()
 {
     QFETCH(QString, name);
     QFETCH(qint64, size);
@@ -111,7 +111,7 @@ void TestHttpClientFiles::downloadsAFile()
     QVERIFY(bytes.startsWith("mark") && bytes.endsWith("mark"));
 }
 
-void TestHttpClientFiles::isOnDiskWhenTheSlotIsCalled()
+void HttpClientFilesTest::isOnDiskWhenTheSlotIsCalled()
 {
     QVERIFY(m_nginx.addFile("small.zip", 10, "mark"));
     QFile file(m_folder.filePath("flushed"));
@@ -124,7 +124,7 @@ void TestHttpClientFiles::isOnDiskWhenTheSlotIsCalled()
     QCOMPARE(sizeOnDisk, 10LL);
 }
 
-void TestHttpClientFiles::downloadsWithoutCompression()
+void HttpClientFilesTest::downloadsWithoutCompression()
 {
     QVERIFY(m_nginx.addFile("zeros.txt", 100000, "mark"));
     QFile file(m_folder.filePath("file"));
@@ -135,7 +135,7 @@ void TestHttpClientFiles::downloadsWithoutCompression()
     QCOMPARE(file.size(), 100000LL);
 }
 
-void TestHttpClientFiles::needsNoMemoryForALargeFile()
+void HttpClientFilesTest::needsNoMemoryForALargeFile()
 {
     constexpr qint64 size = 200 << 20;
     QVERIFY(m_nginx.addFile("warm-up", 1 << 20, "mark"));
@@ -155,7 +155,7 @@ void TestHttpClientFiles::needsNoMemoryForALargeFile()
     QVERIFY2(most - idle < 16 << 20, qPrintable(QString("%1 bytes more").arg(most - idle)));
 }
 
-void TestHttpClientFiles::holdsTheServerBackWhileTheApplicationIsBusy()
+void HttpClientFilesTest::holdsTheServerBackWhileTheApplicationIsBusy()
 {
     QVERIFY(m_nginx.addFile("huge", 200 << 20, "mark"));
     QFile file(m_folder.filePath("file"));
@@ -176,7 +176,7 @@ void TestHttpClientFiles::holdsTheServerBackWhileTheApplicationIsBusy()
     QVERIFY2(most < 16 << 20, qPrintable(QString("%1 bytes more").arg(most)));
 }
 
-void TestHttpClientFiles::findsNoMissingFile()
+void HttpClientFilesTest::findsNoMissingFile()
 {
     QFile file(m_folder.filePath("missing"));
     QVERIFY(file.open(QIODevice::WriteOnly));
@@ -185,5 +185,5 @@ void TestHttpClientFiles::findsNoMissingFile()
     QVERIFY2(file.size() > 0, "the error page is an answer like any other");
 }
 
-VX_TEST_MAIN(TestHttpClientFiles)
+VX_TEST_MAIN(HttpClientFilesTest)
 #include "tst_HttpClientFiles.moc"

@@ -10,7 +10,7 @@
 using namespace vx::test;
 
 /** What downloadProgress says, and when. */
-class TestHttpClientProgress : public QObject
+class HttpClientProgressTest : public QObject
 {
     Q_OBJECT
 
@@ -26,7 +26,7 @@ private slots:
     void startsAnewAfterARedirect();
 };
 
-void TestHttpClientProgress::endsWithAllThereIs_data()
+void HttpClientProgressTest::endsWithAllThereIs_data()
 {
     QTest::addColumn<QByteArray>("answer");
     QTest::addColumn<int>("done");
@@ -45,7 +45,7 @@ void TestHttpClientProgress::endsWithAllThereIs_data()
                               << 5 << 0;
 }
 
-void TestHttpClientProgress::endsWithAllThereIs()
+void HttpClientProgressTest::endsWithAllThereIs()
 {
     QFETCH(QByteArray, answer);
     RawServer server;
@@ -60,7 +60,7 @@ void TestHttpClientProgress::endsWithAllThereIs()
     QTEST(progress.last().at(1).toInt(), "total");
 }
 
-void TestHttpClientProgress::comesBeforeTheResult()
+void HttpClientProgressTest::comesBeforeTheResult()
 {
     RawServer server;
     server.setReply(rawReply(200, "body"));
@@ -76,7 +76,7 @@ void TestHttpClientProgress::comesBeforeTheResult()
     QCOMPARE(progress.count(), before);
 }
 
-void TestHttpClientProgress::scalesPastTwoGib()
+void HttpClientProgressTest::scalesPastTwoGib()
 {
     RawServer server;
     server.setReply("HTTP/1.1 200 OK\r\nContent-Length: 3221225472\r\n\r\n" +
@@ -90,7 +90,7 @@ void TestHttpClientProgress::scalesPastTwoGib()
     QCOMPARE(progress.last().at(1).toInt(), 1610612736);
 }
 
-void TestHttpClientProgress::growsSteadily()
+void HttpClientProgressTest::growsSteadily()
 {
     RawServer server;
     server.setReply(rawReply(200, QByteArray(20000000, 'x')));
@@ -108,7 +108,7 @@ void TestHttpClientProgress::growsSteadily()
     }
 }
 
-void TestHttpClientProgress::isRaisedNowAndThenOnly()
+void HttpClientProgressTest::isRaisedNowAndThenOnly()
 {
     RawServer server;
     QTimer drip;
@@ -135,7 +135,7 @@ void TestHttpClientProgress::isRaisedNowAndThenOnly()
     QCOMPARE(progress.last().at(0).toInt(), 300);
 }
 
-void TestHttpClientProgress::showsAllBeforeAPause()
+void HttpClientProgressTest::showsAllBeforeAPause()
 {
     RawServer server;
     server.setScript([](QTcpSocket* socket, const QByteArray&) {
@@ -152,7 +152,7 @@ void TestHttpClientProgress::showsAllBeforeAPause()
     QCOMPARE(receiver.results.size(), 0);
 }
 
-void TestHttpClientProgress::allowsEventsInItsSlot()
+void HttpClientProgressTest::allowsEventsInItsSlot()
 {
     // QProgressDialog::setValue handles events when the dialog is modal.
     RawServer server;
@@ -170,7 +170,7 @@ void TestHttpClientProgress::allowsEventsInItsSlot()
     QTRY_VERIFY(!client.isExecutingRequest());
 }
 
-void TestHttpClientProgress::startsAnewAfterARedirect()
+void HttpClientProgressTest::startsAnewAfterARedirect()
 {
     RawServer server;
     server.setScript([](QTcpSocket* socket, const QByteArray& request) {
@@ -188,5 +188,5 @@ void TestHttpClientProgress::startsAnewAfterARedirect()
     QCOMPARE(progress.last().at(1).toInt(), 0);
 }
 
-VX_TEST_MAIN(TestHttpClientProgress)
+VX_TEST_MAIN(HttpClientProgressTest)
 #include "tst_HttpClientProgress.moc"

@@ -17,7 +17,7 @@ using vx::NetworkProxy;
 using vx::NodeDB;
 
 /** Which proxy a request goes through and how it logs in there, with a real proxy on loopback. */
-class TestHttpClientProxy : public QObject
+class HttpClientProxyTest : public QObject
 {
     Q_OBJECT
 
@@ -45,25 +45,25 @@ private:
     TinyProxy m_locked{"clerk", "secret"};
 };
 
-void TestHttpClientProxy::initTestCase()
+void HttpClientProxyTest::initTestCase()
 {
     QVERIFY2(m_open.start(), m_open.output().constData());
     QVERIFY2(m_locked.start(), m_locked.output().constData());
 }
 
-void TestHttpClientProxy::init()
+void HttpClientProxyTest::init()
 {
     NodeDB::getDB().setGlobalProxy(NetworkProxy());
     m_server = std::make_unique<RawServer>();
     m_server->setReply(rawReply(200, "body"));
 }
 
-HttpHost TestHttpClientProxy::hostThrough(quint16 proxyPort) const
+HttpHost HttpClientProxyTest::hostThrough(quint16 proxyPort) const
 {
     return HttpHost(m_server->host().server, HttpAccess("127.0.0.1", proxyPort, "", ""), "");
 }
 
-int TestHttpClientProxy::statusThrough(const HttpHost& host)
+int HttpClientProxyTest::statusThrough(const HttpHost& host)
 {
     HttpClient client(host);
     ResultReceiver receiver;
@@ -73,7 +73,7 @@ int TestHttpClientProxy::statusThrough(const HttpHost& host)
                : -1;
 }
 
-void TestHttpClientProxy::goesStraight_data()
+void HttpClientProxyTest::goesStraight_data()
 {
     QTest::addColumn<int>("preference");
     QTest::addColumn<QString>("proxy");
@@ -85,7 +85,7 @@ void TestHttpClientProxy::goesStraight_data()
     QTest::newRow("unknown preference") << 9 << "127.0.0.1:1" << true;
 }
 
-void TestHttpClientProxy::goesStraight()
+void HttpClientProxyTest::goesStraight()
 {
     QFETCH(int, preference);
     QFETCH(QString, proxy);
@@ -105,14 +105,14 @@ void TestHttpClientProxy::goesStraight()
     QCOMPARE(targetOf(m_server->requests().last()), QByteArray("/a%2Fb"));
 }
 
-void TestHttpClientProxy::goesThroughItsOwnProxy()
+void HttpClientProxyTest::goesThroughItsOwnProxy()
 {
     QCOMPARE(statusThrough(hostThrough(m_open.port())), 200);
     QVERIFY(lastVia().contains("tinyproxy"));
     QCOMPARE(targetOf(m_server->requests().last()), QByteArray("/a%2Fb"));
 }
 
-void TestHttpClientProxy::goesThroughTheGlobalProxyAsItIsNow()
+void HttpClientProxyTest::goesThroughTheGlobalProxyAsItIsNow()
 {
     HttpHost host = m_server->host();
     host.proxyPreference = HttpHost::GlobalProxy; // and nobody has called updateProxy since
@@ -124,7 +124,7 @@ void TestHttpClientProxy::goesThroughTheGlobalProxyAsItIsNow()
     QVERIFY(lastVia().isEmpty());
 }
 
-void TestHttpClientProxy::logsIn_data()
+void HttpClientProxyTest::logsIn_data()
 {
     QTest::addColumn<int>("preference");
     QTest::addColumn<QString>("ownLogin");
@@ -155,7 +155,7 @@ void TestHttpClientProxy::logsIn_data()
                                            << "clerk:wrong" << true << 401;
 }
 
-void TestHttpClientProxy::logsIn()
+void HttpClientProxyTest::logsIn()
 {
     QFETCH(int, preference);
     QFETCH(QString, ownLogin);
@@ -178,7 +178,7 @@ void TestHttpClientProxy::logsIn()
     }
 }
 
-void TestHttpClientProxy::doesNotRepeatAWrongPassword()
+void HttpClientProxyTest::doesNotRepeatAWrongPassword()
 {
     RawServer proxy;
     proxy.setReply(rawReply(407, "", {{"Proxy-Authenticate", "Basic realm=\"x\""}}));
@@ -191,7 +191,7 @@ void TestHttpClientProxy::doesNotRepeatAWrongPassword()
              "Basic " + QByteArray("clerk:wrong").toBase64());
 }
 
-void TestHttpClientProxy::followsARedirectThroughTheProxy()
+void HttpClientProxyTest::followsARedirectThroughTheProxy()
 {
     m_server->setScript([this](QTcpSocket* socket, const QByteArray& request) {
         const bool isFirst = targetOf(request) == "/a%2Fb";
@@ -206,7 +206,7 @@ void TestHttpClientProxy::followsARedirectThroughTheProxy()
     QVERIFY(lastVia().contains("tinyproxy"));
 }
 
-void TestHttpClientProxy::endsIfTheProxyIsDead()
+void HttpClientProxyTest::endsIfTheProxyIsDead()
 {
     RawServer dead;
     const quint16 port = dead.serverPort();
@@ -215,12 +215,12 @@ void TestHttpClientProxy::endsIfTheProxyIsDead()
     QVERIFY(m_server->requests().isEmpty());
 }
 
-void TestHttpClientProxy::tellsTheProxysErrorPage()
+void HttpClientProxyTest::tellsTheProxysErrorPage()
 {
     const HttpHost host = hostThrough(m_open.port());
     m_server->close();
     QCOMPARE(statusThrough(host), 500);
 }
 
-VX_TEST_MAIN(TestHttpClientProxy)
+VX_TEST_MAIN(HttpClientProxyTest)
 #include "tst_HttpClientProxy.moc"

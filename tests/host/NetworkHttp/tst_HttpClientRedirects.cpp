@@ -7,7 +7,7 @@
 
 using namespace vx::test;
 
-class TestHttpClientRedirects : public QObject
+class HttpClientRedirectsTest : public QObject
 {
     Q_OBJECT
 
@@ -28,7 +28,7 @@ private slots:
     void keepsTheHeaderOfTheLastAnswer();
 };
 
-void TestHttpClientRedirects::followsEveryKind_data()
+void HttpClientRedirectsTest::followsEveryKind_data()
 {
     QTest::addColumn<int>("status");
     QTest::addColumn<bool>("follows");
@@ -40,7 +40,7 @@ void TestHttpClientRedirects::followsEveryKind_data()
     }
 }
 
-void TestHttpClientRedirects::followsEveryKind()
+void HttpClientRedirectsTest::followsEveryKind()
 {
     QFETCH(int, status);
     QFETCH(bool, follows);
@@ -61,7 +61,7 @@ void TestHttpClientRedirects::followsEveryKind()
     QCOMPARE(request->getResponseText(), QString(follows ? "body" : ""));
 }
 
-void TestHttpClientRedirects::resolvesTargets_data()
+void HttpClientRedirectsTest::resolvesTargets_data()
 {
     QTest::addColumn<QByteArray>("location");
     QTest::addColumn<QByteArray>("target");
@@ -80,7 +80,7 @@ void TestHttpClientRedirects::resolvesTargets_data()
     QTest::newRow("UTF-8") << QByteArray("/\xc3\xbc") << QByteArray("/%C3%BC");
 }
 
-void TestHttpClientRedirects::resolvesTargets()
+void HttpClientRedirectsTest::resolvesTargets()
 {
     QFETCH(QByteArray, location);
     RawServer server;
@@ -104,7 +104,7 @@ void TestHttpClientRedirects::resolvesTargets()
     QCOMPARE(request->requestUrls.last().port(), int(server.serverPort()));
 }
 
-void TestHttpClientRedirects::stopsAfterTwenty_data()
+void HttpClientRedirectsTest::stopsAfterTwenty_data()
 {
     QTest::addColumn<int>("redirects");
     QTest::addColumn<int>("status");
@@ -114,7 +114,7 @@ void TestHttpClientRedirects::stopsAfterTwenty_data()
     QTest::newRow("for ever") << 1000 << 302 << 21;
 }
 
-void TestHttpClientRedirects::stopsAfterTwenty()
+void HttpClientRedirectsTest::stopsAfterTwenty()
 {
     QFETCH(int, redirects);
     RawServer server;
@@ -137,7 +137,7 @@ void TestHttpClientRedirects::stopsAfterTwenty()
     QCOMPARE(request->getResponseText(), QString(request->statusCode == 200 ? "body" : ""));
 }
 
-void TestHttpClientRedirects::refusesTargets_data()
+void HttpClientRedirectsTest::refusesTargets_data()
 {
     QTest::addColumn<QByteArray>("location");
     QTest::newRow("ftp") << QByteArray("ftp://127.0.0.1/a");
@@ -151,7 +151,7 @@ void TestHttpClientRedirects::refusesTargets_data()
     QTest::newRow("empty") << QByteArray("");
 }
 
-void TestHttpClientRedirects::refusesTargets()
+void HttpClientRedirectsTest::refusesTargets()
 {
     QFETCH(QByteArray, location);
     RawServer server;
@@ -168,7 +168,7 @@ void TestHttpClientRedirects::refusesTargets()
     QCOMPARE(device.data(), QByteArray());
 }
 
-void TestHttpClientRedirects::leavesTheBodyOfARedirectOut()
+void HttpClientRedirectsTest::leavesTheBodyOfARedirectOut()
 {
     RawServer server;
     server.setScript([&](QTcpSocket* socket, const QByteArray& request) {
@@ -186,7 +186,7 @@ void TestHttpClientRedirects::leavesTheBodyOfARedirectOut()
     QCOMPARE(device.data(), QByteArray("body"));
 }
 
-void TestHttpClientRedirects::doesNotWaitForTheBodyOfARedirect()
+void HttpClientRedirectsTest::doesNotWaitForTheBodyOfARedirect()
 {
     RawServer server;
     server.setScript([&](QTcpSocket* socket, const QByteArray& request) {
@@ -206,7 +206,7 @@ void TestHttpClientRedirects::doesNotWaitForTheBodyOfARedirect()
     QCOMPARE(request->getResponseText(), QString("body"));
 }
 
-void TestHttpClientRedirects::goesToAnotherServer()
+void HttpClientRedirectsTest::goesToAnotherServer()
 {
     RawServer first;
     RawServer second;
@@ -221,7 +221,7 @@ void TestHttpClientRedirects::goesToAnotherServer()
     QCOMPARE(request->requestUrls.last(), QUrl::fromEncoded(second.url("/x")));
 }
 
-void TestHttpClientRedirects::givesNoPasswordToAnotherServer()
+void HttpClientRedirectsTest::givesNoPasswordToAnotherServer()
 {
     RawServer first;
     RawServer second;
@@ -240,7 +240,7 @@ void TestHttpClientRedirects::givesNoPasswordToAnotherServer()
     QVERIFY(headerOf(second.requests().first(), "Authorization").isEmpty());
 }
 
-void TestHttpClientRedirects::hasNoStatusIfTheTargetIsDead()
+void HttpClientRedirectsTest::hasNoStatusIfTheTargetIsDead()
 {
     RawServer first;
     RawServer second;
@@ -256,7 +256,7 @@ void TestHttpClientRedirects::hasNoStatusIfTheTargetIsDead()
     QCOMPARE(request->requestUrls.size(), 2);
 }
 
-void TestHttpClientRedirects::keepsTheHeaderOfTheLastAnswer()
+void HttpClientRedirectsTest::keepsTheHeaderOfTheLastAnswer()
 {
     RawServer server;
     server.setScript([&](QTcpSocket* socket, const QByteArray& request) {
@@ -274,5 +274,5 @@ void TestHttpClientRedirects::keepsTheHeaderOfTheLastAnswer()
     QCOMPARE(request->responseHeader.value("x-second"), QString("2"));
 }
 
-VX_TEST_MAIN(TestHttpClientRedirects)
+VX_TEST_MAIN(HttpClientRedirectsTest)
 #include "tst_HttpClientRedirects.moc"

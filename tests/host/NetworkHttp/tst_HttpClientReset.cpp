@@ -38,7 +38,7 @@ int Record::living = 0;
 } // namespace
 
 /** Cancelling and destroying, from everywhere. */
-class TestHttpClientReset : public QObject
+class HttpClientResetTest : public QObject
 {
     Q_OBJECT
 
@@ -76,7 +76,7 @@ private:
     QTemporaryDir m_folder;
 };
 
-void TestHttpClientReset::init()
+void HttpClientResetTest::init()
 {
     m_server = std::make_unique<RawServer>();
     m_server->setScript(stall);
@@ -85,7 +85,7 @@ void TestHttpClientReset::init()
 }
 
 /** Starts a download to a file, with file and record made as a caller makes them. */
-RequestPtr TestHttpClientReset::startFile(const QString& name)
+RequestPtr HttpClientResetTest::startFile(const QString& name)
 {
     auto* const file = new QFile(m_folder.filePath(name));
     file->open(QIODevice::WriteOnly);
@@ -109,7 +109,7 @@ void release(const RequestPtr& request)
 
 } // namespace
 
-void TestHttpClientReset::cancelsWhatRuns()
+void HttpClientResetTest::cancelsWhatRuns()
 {
     QSignalSpy discarded(m_client.get(), SIGNAL(requestReset(RequestPtr)));
     const RequestPtr first =
@@ -127,7 +127,7 @@ void TestHttpClientReset::cancelsWhatRuns()
     QVERIFY(m_receiver->results.isEmpty());
 }
 
-void TestHttpClientReset::closesTheConnection()
+void HttpClientResetTest::closesTheConnection()
 {
     bool isClosed = false;
     m_server->setScript([&](QTcpSocket* socket, const QByteArray& request) {
@@ -141,7 +141,7 @@ void TestHttpClientReset::closesTheConnection()
     QVERIFY(m_receiver->results.isEmpty());
 }
 
-void TestHttpClientReset::leavesTheClientUsable()
+void HttpClientResetTest::leavesTheClientUsable()
 {
     m_client->get("/1", m_receiver.get(), SLOT(queryResult(RequestPtr)), ownBuffer());
     m_client->reset();
@@ -153,7 +153,7 @@ void TestHttpClientReset::leavesTheClientUsable()
     QCOMPARE(request->getResponseText(), QString("body"));
 }
 
-void TestHttpClientReset::handsBackDeviceAndRecord()
+void HttpClientResetTest::handsBackDeviceAndRecord()
 {
     bool isOpen = true;
     connect(m_client.get(), &HttpClient::requestReset, this, [&](const RequestPtr& request) {
@@ -172,7 +172,7 @@ void TestHttpClientReset::handsBackDeviceAndRecord()
     QCOMPARE(written.size(), 5LL);
 }
 
-void TestHttpClientReset::doesNothingWhenNothingRuns()
+void HttpClientResetTest::doesNothingWhenNothingRuns()
 {
     QSignalSpy discarded(m_client.get(), SIGNAL(requestReset(RequestPtr)));
     m_client->reset();
@@ -181,7 +181,7 @@ void TestHttpClientReset::doesNothingWhenNothingRuns()
     QCOMPARE(discarded.count(), 0);
 }
 
-void TestHttpClientReset::keepsTheBufferOfACancelledRequest()
+void HttpClientResetTest::keepsTheBufferOfACancelledRequest()
 {
     const RequestPtr request =
         m_client->get("/", m_receiver.get(), SLOT(queryResult(RequestPtr)), ownBuffer());
@@ -191,7 +191,7 @@ void TestHttpClientReset::keepsTheBufferOfACancelledRequest()
     QCOMPARE(request->getResponseText(), QString("12345"));
 }
 
-void TestHttpClientReset::worksFromTheResultSlot()
+void HttpClientResetTest::worksFromTheResultSlot()
 {
     QSignalSpy discarded(m_client.get(), SIGNAL(requestReset(RequestPtr)));
     m_server->setScript([](QTcpSocket* socket, const QByteArray& request) {
@@ -214,14 +214,14 @@ void TestHttpClientReset::worksFromTheResultSlot()
     QVERIFY(!m_client->isExecutingRequest());
 }
 
-void TestHttpClientReset::worksFromTheProgressSlot_data()
+void HttpClientResetTest::worksFromTheProgressSlot_data()
 {
     QTest::addColumn<bool>("hasEnded");
     QTest::newRow("on the way") << false;
     QTest::newRow("last report") << true;
 }
 
-void TestHttpClientReset::worksFromTheProgressSlot()
+void HttpClientResetTest::worksFromTheProgressSlot()
 {
     QFETCH(bool, hasEnded);
     if (hasEnded) {
@@ -235,7 +235,7 @@ void TestHttpClientReset::worksFromTheProgressSlot()
     QVERIFY(m_receiver->results.isEmpty());
 }
 
-void TestHttpClientReset::worksFromRequestStarted()
+void HttpClientResetTest::worksFromRequestStarted()
 {
     QSignalSpy discarded(m_client.get(), SIGNAL(requestReset(RequestPtr)));
     connect(m_client.get(), &HttpClient::requestStarted, m_client.get(), &HttpClient::reset);
@@ -244,7 +244,7 @@ void TestHttpClientReset::worksFromRequestStarted()
     QVERIFY(!m_client->isExecutingRequest());
 }
 
-void TestHttpClientReset::worksFromRequestReset()
+void HttpClientResetTest::worksFromRequestReset()
 {
     QSignalSpy discarded(m_client.get(), SIGNAL(requestReset(RequestPtr)));
     connect(m_client.get(), &HttpClient::requestReset, m_client.get(), &HttpClient::reset);
@@ -256,7 +256,7 @@ void TestHttpClientReset::worksFromRequestReset()
     QVERIFY(!m_client->isExecutingRequest());
 }
 
-void TestHttpClientReset::worksFromWithinAnEventLoopOfASlot()
+void HttpClientResetTest::worksFromWithinAnEventLoopOfASlot()
 {
     // As a modal dialog does it that is run by a slot of the progress signal.
     QSignalSpy discarded(m_client.get(), SIGNAL(requestReset(RequestPtr)));
@@ -276,7 +276,7 @@ void TestHttpClientReset::worksFromWithinAnEventLoopOfASlot()
     QVERIFY(!m_client->isExecutingRequest());
 }
 
-void TestHttpClientReset::cancelsWhenDestroyed()
+void HttpClientResetTest::cancelsWhenDestroyed()
 {
     QList<RequestPtr> discarded;
     connect(m_client.get(), &HttpClient::requestReset, this, [&](const RequestPtr& request) {
@@ -292,7 +292,7 @@ void TestHttpClientReset::cancelsWhenDestroyed()
     QVERIFY(m_receiver->results.isEmpty());
 }
 
-void TestHttpClientReset::survivesDestructionIn_data()
+void HttpClientResetTest::survivesDestructionIn_data()
 {
     QTest::addColumn<QByteArray>("signal");
     QTest::addColumn<bool>("stalls");
@@ -303,7 +303,7 @@ void TestHttpClientReset::survivesDestructionIn_data()
     QTest::newRow("result") << QByteArray() << false;
 }
 
-void TestHttpClientReset::survivesDestructionIn()
+void HttpClientResetTest::survivesDestructionIn()
 {
     QFETCH(QByteArray, signal);
     QFETCH(bool, stalls);
@@ -330,7 +330,7 @@ void TestHttpClientReset::survivesDestructionIn()
     QCOMPARE(m_receiver->results.size(), signal.isEmpty() ? 1 : 0);
 }
 
-void TestHttpClientReset::survivesDestructionRightAfterTheStart()
+void HttpClientResetTest::survivesDestructionRightAfterTheStart()
 {
     m_client->get("/", m_receiver.get(), SLOT(queryResult(RequestPtr)), ownBuffer());
     m_client.reset();
@@ -338,7 +338,7 @@ void TestHttpClientReset::survivesDestructionRightAfterTheStart()
     QVERIFY(m_receiver->results.isEmpty());
 }
 
-void TestHttpClientReset::callsNobodyIfTheReceiverIsGone()
+void HttpClientResetTest::callsNobodyIfTheReceiverIsGone()
 {
     QSignalSpy discarded(m_client.get(), SIGNAL(requestReset(RequestPtr)));
     QTcpSocket* peer = nullptr;
@@ -356,7 +356,7 @@ void TestHttpClientReset::callsNobodyIfTheReceiverIsGone()
     release(request);
 }
 
-void TestHttpClientReset::callsNobodyIfThereIsNone()
+void HttpClientResetTest::callsNobodyIfThereIsNone()
 {
     QSignalSpy discarded(m_client.get(), SIGNAL(requestReset(RequestPtr)));
     m_server->setReply(rawReply(200, "body"));
@@ -367,7 +367,7 @@ void TestHttpClientReset::callsNobodyIfThereIsNone()
     QVERIFY(m_receiver->results.isEmpty());
 }
 
-void TestHttpClientReset::doesNotCancelARequestThatIsBeingReported()
+void HttpClientResetTest::doesNotCancelARequestThatIsBeingReported()
 {
     QSignalSpy discarded(m_client.get(), SIGNAL(requestReset(RequestPtr)));
     m_server->setReply(rawReply(200, "body"));
@@ -383,5 +383,5 @@ void TestHttpClientReset::doesNotCancelARequestThatIsBeingReported()
     release(request);
 }
 
-VX_TEST_MAIN(TestHttpClientReset)
+VX_TEST_MAIN(HttpClientResetTest)
 #include "tst_HttpClientReset.moc"

@@ -1,8 +1,8 @@
 #include <QSslCertificate>
-#include <QSslConfiguration>
 #include <QtTest>
 
 #include "host/NetworkHttp/HttpClient.h"
+#include "tests/host/NetworkHttp/CertificateAuthority.h"
 #include "tests/host/NetworkHttp/Daemon.h"
 #include "tests/host/NetworkHttp/RawServer.h"
 #include "tests/host/NetworkHttp/ResultReceiver.h"
@@ -11,7 +11,7 @@
 using namespace vx::test;
 
 /** https, which a server is asked by if its address says so, or if a redirect leads there. */
-class TestHttpClientTls : public QObject
+class HttpClientTlsTest : public QObject
 {
     Q_OBJECT
 
@@ -31,24 +31,6 @@ private:
 
 namespace {
 
-/** Trusts a certificate for as long as it lives. */
-class Trust
-{
-public:
-    explicit Trust(const QSslCertificate& certificate)
-    {
-        QSslConfiguration configuration = m_previous;
-        configuration.addCaCertificate(certificate);
-        QSslConfiguration::setDefaultConfiguration(configuration);
-    }
-    ~Trust() { QSslConfiguration::setDefaultConfiguration(m_previous); }
-    Trust(const Trust&) = delete;
-    Trust& operator=(const Trust&) = delete;
-
-private:
-    QSslConfiguration m_previous = QSslConfiguration::defaultConfiguration();
-};
-
 void addTrustRows()
 {
     QTest::addColumn<bool>("isTrusted");
@@ -60,7 +42,7 @@ void addTrustRows()
 
 } // namespace
 
-void TestHttpClientTls::initTestCase()
+void HttpClientTlsTest::initTestCase()
 {
     QVERIFY(m_nginx.makeCertificate());
     QVERIFY(m_nginx.addFile("file", 4, "body"));
@@ -69,7 +51,7 @@ void TestHttpClientTls::initTestCase()
     QVERIFY(!m_certificate.isNull());
 }
 
-RequestPtr TestHttpClientTls::ask(const vx::HttpHost& host)
+RequestPtr HttpClientTlsTest::ask(const vx::HttpHost& host)
 {
     HttpClient client(host);
     ResultReceiver receiver;
@@ -78,12 +60,12 @@ RequestPtr TestHttpClientTls::ask(const vx::HttpHost& host)
     return QTest::qWaitFor([&] { return !receiver.results.isEmpty(); }) ? request : RequestPtr();
 }
 
-void TestHttpClientTls::asksOnlyWhomItTrusts_data()
+void HttpClientTlsTest::asksOnlyWhomItTrusts_data()
 {
     addTrustRows();
 }
 
-void TestHttpClientTls::asksOnlyWhomItTrusts()
+void HttpClientTlsTest::asksOnlyWhomItTrusts()
 {
     QFETCH(bool, isTrusted);
     const Trust trust(isTrusted ? m_certificate : QSslCertificate());
@@ -95,12 +77,12 @@ void TestHttpClientTls::asksOnlyWhomItTrusts()
     QTEST(request->getResponseText(), "text");
 }
 
-void TestHttpClientTls::followsARedirectToHttps_data()
+void HttpClientTlsTest::followsARedirectToHttps_data()
 {
     addTrustRows();
 }
 
-void TestHttpClientTls::followsARedirectToHttps()
+void HttpClientTlsTest::followsARedirectToHttps()
 {
     QFETCH(bool, isTrusted);
     const Trust trust(isTrusted ? m_certificate : QSslCertificate());
@@ -114,5 +96,5 @@ void TestHttpClientTls::followsARedirectToHttps()
     QCOMPARE(request->requestUrls.last(), QUrl::fromEncoded(target));
 }
 
-VX_TEST_MAIN(TestHttpClientTls)
+VX_TEST_MAIN(HttpClientTlsTest)
 #include "tst_HttpClientTls.moc"

@@ -13,7 +13,7 @@ using vx::NodeDB;
 
 using Params = QMap<QString, QVariant>;
 
-class TestHttpHost : public QObject
+class HttpHostTest : public QObject
 {
     Q_OBJECT
 
@@ -44,14 +44,14 @@ private:
     QString m_file;
 };
 
-void TestHttpHost::init()
+void HttpHostTest::init()
 {
     m_file = m_folder.filePath(QString("%1.ini").arg(QTest::currentTestFunction()));
     QFile::remove(m_file);
     NodeDB::getDB().setGlobalProxy(NetworkProxy());
 }
 
-void TestHttpHost::isEmptyAtFirst()
+void HttpHostTest::isEmptyAtFirst()
 {
     const HttpHost host;
     QCOMPARE(host.server.address, QString());
@@ -60,7 +60,7 @@ void TestHttpHost::isEmptyAtFirst()
     QCOMPARE(sizeof(HttpHost::ProxyPreference), sizeof(int));
 }
 
-void TestHttpHost::prefersItsOwnProxyIfItHasOne()
+void HttpHostTest::prefersItsOwnProxyIfItHasOne()
 {
     const HttpAccess server("server", 80, "", "");
     const HttpHost direct(server, HttpAccess("", 0, "", ""), "");
@@ -74,7 +74,7 @@ void TestHttpHost::prefersItsOwnProxyIfItHasOne()
     QCOMPARE(copy.proxy.address, QString("proxy"));
 }
 
-void TestHttpHost::takesTheGlobalProxyOnlyIfPreferred_data()
+void HttpHostTest::takesTheGlobalProxyOnlyIfPreferred_data()
 {
     QTest::addColumn<int>("preference");
     QTest::addColumn<QString>("proxy");
@@ -84,7 +84,7 @@ void TestHttpHost::takesTheGlobalProxyOnlyIfPreferred_data()
     QTest::newRow("unknown") << 7 << "http://own:1";
 }
 
-void TestHttpHost::takesTheGlobalProxyOnlyIfPreferred()
+void HttpHostTest::takesTheGlobalProxyOnlyIfPreferred()
 {
     QFETCH(int, preference);
     NodeDB::getDB().setGlobalProxy(NetworkProxy(true, "global", 8080, "user", "secret"));
@@ -95,7 +95,7 @@ void TestHttpHost::takesTheGlobalProxyOnlyIfPreferred()
     QCOMPARE(int(host.proxyPreference), preference);
 }
 
-void TestHttpHost::followsTheGlobalProxy()
+void HttpHostTest::followsTheGlobalProxy()
 {
     HttpHost host;
     host.proxyPreference = HttpHost::GlobalProxy;
@@ -104,12 +104,12 @@ void TestHttpHost::followsTheGlobalProxy()
     QCOMPARE(host.proxy.user, QString("user"));
     QCOMPARE(host.proxy.password, QString("secret"));
     NodeDB::getDB().setGlobalProxy(NetworkProxy(false, "global", 8080, "user", "secret"));
-    host.updateProxy(QUrl("http://any.example/"));
+    host.updateProxy(QUrl("http://any.example.com/"));
     QCOMPARE(host.proxy.address, QString());
     QCOMPARE(host.proxy.password, QString());
 }
 
-void TestHttpHost::makesUrlOfPath_data()
+void HttpHostTest::makesUrlOfPath_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QByteArray>("full");
@@ -138,7 +138,7 @@ void TestHttpHost::makesUrlOfPath_data()
                                 << QByteArray("/a%0D%0AX-Evil:%201");
 }
 
-void TestHttpHost::makesUrlOfPath()
+void HttpHostTest::makesUrlOfPath()
 {
     QFETCH(QString, path);
     const HttpHost host(HttpAccess("h", 80, "", ""), HttpAccess(), "");
@@ -146,7 +146,7 @@ void TestHttpHost::makesUrlOfPath()
     QTEST(host.makeURL(path, Params(), false).toEncoded(), "relative");
 }
 
-void TestHttpHost::makesUrlOfParams_data()
+void HttpHostTest::makesUrlOfParams_data()
 {
     QTest::addColumn<Params>("params");
     QTest::addColumn<QByteArray>("url");
@@ -167,14 +167,14 @@ void TestHttpHost::makesUrlOfParams_data()
     QTest::newRow("empty value") << Params{{"a", ""}} << QByteArray("http://h/p?a=");
 }
 
-void TestHttpHost::makesUrlOfParams()
+void HttpHostTest::makesUrlOfParams()
 {
     QFETCH(Params, params);
     const HttpHost host(HttpAccess("h", 80, "", ""), HttpAccess(), "");
     QTEST(host.makeURL("/p", params, true).toEncoded(), "url");
 }
 
-void TestHttpHost::makesUrlOfServer_data()
+void HttpHostTest::makesUrlOfServer_data()
 {
     QTest::addColumn<QString>("server");
     QTest::addColumn<QUrl>("url");
@@ -186,7 +186,7 @@ void TestHttpHost::makesUrlOfServer_data()
     QTest::newRow("login") << "user:secret@example.com" << QUrl("http://example.com/");
 }
 
-void TestHttpHost::makesUrlOfServer()
+void HttpHostTest::makesUrlOfServer()
 {
     QFETCH(QString, server);
     HttpHost host;
@@ -194,14 +194,14 @@ void TestHttpHost::makesUrlOfServer()
     QTEST(host.makeURL("", Params(), true), "url");
 }
 
-void TestHttpHost::makesNoUrlWithoutServer()
+void HttpHostTest::makesNoUrlWithoutServer()
 {
     const HttpHost host;
     QVERIFY(host.makeURL("/path", Params{{"a", 1}}, true).isEmpty());
     QCOMPARE(host.makeURL("/path", Params{{"a", 1}}, false), QUrl("/path?a=1"));
 }
 
-void TestHttpHost::readsBackWhatItStored()
+void HttpHostTest::readsBackWhatItStored()
 {
     HttpHost host(HttpAccess("server", 8080, "admin", ""), HttpAccess("::1", 3128, "user", ""), "");
     host.server.secure = true;
@@ -221,7 +221,7 @@ void TestHttpHost::readsBackWhatItStored()
     QCOMPARE(again.userAgent, QString("stays"));
 }
 
-void TestHttpHost::storesPasswordsOnlyIfTold()
+void HttpHostTest::storesPasswordsOnlyIfTold()
 {
     const HttpHost host(HttpAccess("server", 80, "a", "server-secret"),
                         HttpAccess("proxy", 80, "b", "proxy-secret"), "");
@@ -233,7 +233,7 @@ void TestHttpHost::storesPasswordsOnlyIfTold()
     QCOMPARE(again.proxy.password, QString("proxy-secret"));
 }
 
-void TestHttpHost::removesOldPasswords()
+void HttpHostTest::removesOldPasswords()
 {
     const HttpHost host(HttpAccess("server", 80, "a", "server-secret"),
                         HttpAccess("proxy", 80, "b", "proxy-secret"), "");
@@ -246,7 +246,7 @@ void TestHttpHost::removesOldPasswords()
     QVERIFY(!file.readAll().contains("secret"));
 }
 
-void TestHttpHost::staysInTheOpenGroup()
+void HttpHostTest::staysInTheOpenGroup()
 {
     QSettings settings(m_file, QSettings::IniFormat);
     settings.beginGroup("Download");
@@ -258,7 +258,7 @@ void TestHttpHost::staysInTheOpenGroup()
     QCOMPARE(settings.value("Download/server-address").toString(), QString("server"));
 }
 
-void TestHttpHost::readsAnEmptyGroupAsDefault()
+void HttpHostTest::readsAnEmptyGroupAsDefault()
 {
     HttpHost host(HttpAccess("server", 8080, "", ""), HttpAccess("proxy", 1, "", ""), "");
     host.load(QSettings(m_file, QSettings::IniFormat));
@@ -267,7 +267,7 @@ void TestHttpHost::readsAnEmptyGroupAsDefault()
     QCOMPARE(host.proxy.address, QString());
 }
 
-void TestHttpHost::readsInvalidValuesAsDefault_data()
+void HttpHostTest::readsInvalidValuesAsDefault_data()
 {
     QTest::addColumn<QString>("key");
     QTest::addColumn<QVariant>("value");
@@ -286,7 +286,7 @@ void TestHttpHost::readsInvalidValuesAsDefault_data()
     QTest::newRow("host list") << "server-address" << QVariant(QStringList{"a", "b"}) << "" << 2;
 }
 
-void TestHttpHost::readsInvalidValuesAsDefault()
+void HttpHostTest::readsInvalidValuesAsDefault()
 {
     QFETCH(QString, key);
     QFETCH(QVariant, value);
@@ -301,5 +301,5 @@ void TestHttpHost::readsInvalidValuesAsDefault()
     QTEST(int(again.proxyPreference), "preference");
 }
 
-VX_TEST_MAIN(TestHttpHost)
+VX_TEST_MAIN(HttpHostTest)
 #include "tst_HttpHost.moc"

@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "host/NetworkHttp/ProgressMeter.h"
+#include "host/NetworkHttp/internal/ProgressMeter.h"
 #include "tests/support/TestMain.h"
 
 using vx::Progress;
@@ -15,17 +15,17 @@ constexpr qint64 gib = 1LL << 30;
 
 } // namespace
 
-class TestProgressMeter : public QObject
+class ProgressMeterTest : public QObject
 {
     Q_OBJECT
 
 private slots:
     void scales_data();
     void scales();
-    void isDueOnceInAnInterval();
+    void hasATurnOnceInAnInterval();
 };
 
-void TestProgressMeter::scales_data()
+void ProgressMeterTest::scales_data()
 {
     QTest::addColumn<qint64>("done");
     QTest::addColumn<qint64>("total");
@@ -44,7 +44,7 @@ void TestProgressMeter::scales_data()
     QTest::newRow("largest") << 1LL << std::numeric_limits<qint64>::max() << 0 << int(largestInt);
 }
 
-void TestProgressMeter::scales()
+void ProgressMeterTest::scales()
 {
     QFETCH(qint64, done);
     QFETCH(qint64, total);
@@ -53,17 +53,17 @@ void TestProgressMeter::scales()
     QTEST(progress.total, "scaledTotal");
 }
 
-void TestProgressMeter::isDueOnceInAnInterval()
+void ProgressMeterTest::hasATurnOnceInAnInterval()
 {
     ProgressMeter meter;
     QElapsedTimer clock;
     clock.start();
     int due = 0;
     while (due < 5) {
-        due += meter.isDue() ? 1 : 0;
+        due += meter.takeTurn() ? 1 : 0;
     }
     QVERIFY(clock.elapsed() >= 4 * ProgressMeter::interval);
 }
 
-VX_TEST_MAIN(TestProgressMeter)
+VX_TEST_MAIN(ProgressMeterTest)
 #include "tst_ProgressMeter.moc"

@@ -3,7 +3,7 @@
 #include "host/NetworkHttp/QHttpHeader.h"
 #include "tests/support/TestMain.h"
 
-class TestQHttpHeader : public QObject
+class QHttpHeaderTest : public QObject
 {
     Q_OBJECT
 
@@ -14,7 +14,7 @@ private slots:
     void forgetsAll();
 };
 
-void TestQHttpHeader::isEmptyAtFirst()
+void QHttpHeaderTest::isEmptyAtFirst()
 {
     const QHttpHeader header;
     QVERIFY(!header.hasKey("set-cookie"));
@@ -22,7 +22,7 @@ void TestQHttpHeader::isEmptyAtFirst()
     QVERIFY(header.keys().isEmpty());
 }
 
-void TestQHttpHeader::findsNamesInAnyCase()
+void QHttpHeaderTest::findsNamesInAnyCase()
 {
     QHttpHeader header;
     header.addValue("Set-Cookie", "a=1");
@@ -33,7 +33,7 @@ void TestQHttpHeader::findsNamesInAnyCase()
     QCOMPARE(header.keys(), QStringList({"Set-Cookie"}));
 }
 
-void TestQHttpHeader::keepsRepeatedFields()
+void QHttpHeaderTest::keepsRepeatedFields()
 {
     QHttpHeader header;
     header.addValue("Set-Cookie", "a=1");
@@ -44,7 +44,7 @@ void TestQHttpHeader::keepsRepeatedFields()
     QCOMPARE(header.keys(), QStringList({"Set-Cookie", "Server", "set-cookie"}));
 }
 
-void TestQHttpHeader::forgetsAll()
+void QHttpHeaderTest::forgetsAll()
 {
     QHttpHeader header;
     header.addValue("Server", "");
@@ -53,5 +53,5 @@ void TestQHttpHeader::forgetsAll()
     QVERIFY(!header.hasKey("Server"));
 }
 
-VX_TEST_MAIN(TestQHttpHeader)
+VX_TEST_MAIN(QHttpHeaderTest)
 #include "tst_QHttpHeader.moc"

@@ -1,6 +1,7 @@
 #include <QDir>
 #include <QDomDocument>
 #include <QFile>
+#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -28,7 +29,7 @@ void writeFile(const QString& name, const QByteArray& content)
 
 } // namespace
 
-class tst_Scenario : public QObject
+class ScenarioTest : public QObject
 {
     Q_OBJECT
 
@@ -52,6 +53,11 @@ private slots:
     void breaksThePackageOff();
     void long404IsLongerThanThePackage();
     void captivePortalAnswersEverything();
+    void redirect308IsOneHop();
+    void earlyHintsComeFirst();
+    void endlessHeadersHaveNoEnd();
+    void lastChunkIsMissing();
+    void halfOfTheLengthIsAnnounced();
     void slowTakesItsTime();
     void proxyPasswordIsDemandedUntilTheNextScenario();
     void missingFilesAreNotFound_data();
@@ -62,11 +68,13 @@ private:
     WebResult get(const QString& path) { return fetch(QNetworkRequest(m_server->url(path))); }
     bool play(const char* name) { return applyScenario(*m_server, name, m_folder->path()); }
 
+    QByteArray bytesOf(const QByteArray& path, int enough);
+
     QScopedPointer<UpdateServer> m_server;
     QScopedPointer<QTemporaryDir> m_folder;
 };
 
-void tst_Scenario::init()
+void ScenarioTest::init()
 {
     m_folder.reset(new QTemporaryDir);
     writeFile(m_folder->filePath("catalogue.xml"), catalogue);
@@ -75,18 +83,19 @@ void tst_Scenario::init()
     QVERIFY(m_server->start());
 }
 
-void tst_Scenario::cleanup()
+void ScenarioTest::cleanup()
 {
     m_server.reset();
     m_folder.reset();
 }
 
-void tst_Scenario::describesEveryScenario()
+void ScenarioTest::describesEveryScenario()
 {
     const QStringList names = scenarioNames();
     for (const char* name :
          {"up-to-date", "empty", "malformed", "redirect", "redirect-loop", "silent", "short",
-          "long-404", "stall-at-99", "reset", "captive-portal", "slow", "proxy-password"}) {
+          "long-404", "stall-at-99", "reset", "captive-portal", "slow", "proxy-password",
+          "redirect-308", "missing-last-chunk", "wrong-length", "early-hints", "endless-headers"}) {
         QVERIFY2(names.contains(QLatin1String(name)), name);
     }
     QCOMPARE(QSet<QString>(names.begin(), names.end()).size(), names.size());
@@ -96,7 +105,7 @@ void tst_Scenario::describesEveryScenario()
     }
 }
 
-void tst_Scenario::knowsNoOther()
+void ScenarioTest::knowsNoOther()
 {
     QVERIFY(play("as-it-is"));
     QVERIFY(!play("no such scenario"));
@@ -105,7 +114,7 @@ void tst_Scenario::knowsNoOther()
     QCOMPARE(get("/").body, catalogue);
 }
 
-void tst_Scenario::servesTheCatalogueIntact_data()
+void ScenarioTest::servesTheCatalogueIntact_data()
 {
     QTest::addColumn<QString>("scenario");
     for (const char* name :
@@ -114,7 +123,7 @@ void tst_Scenario::servesTheCatalogueIntact_data()
     }
 }
 
-void tst_Scenario::servesTheCatalogueIntact()
+void ScenarioTest::servesTheCatalogueIntact()
 {
     QFETCH(QString, scenario);
     QVERIFY(applyScenario(*m_server, scenario, m_folder->path()));
@@ -125,7 +134,7 @@ void tst_Scenario::servesTheCatalogueIntact()
     QCOMPARE(named.contentType, QByteArray("text/xml"));
 }
 
-void tst_Scenario::servesThePackageIntact_data()
+void ScenarioTest::servesThePackageIntact_data()
 {
     QTest::addColumn<QString>("scenario");
     for (const char* name : {"as-it-is", "up-to-date", "empty", "malformed", "redirect",
@@ -134,7 +143,7 @@ void tst_Scenario::servesThePackageIntact_data()
     }
 }
 
-void tst_Scenario::servesThePackageIntact()
+void ScenarioTest::servesThePackageIntact()
 {
     QFETCH(QString, scenario);
     QVERIFY(applyScenario(*m_server, scenario, m_folder->path()));
@@ -143,7 +152,7 @@ void tst_Scenario::servesThePackageIntact()
     QCOMPARE(result.body, package);
 }
 
-void tst_Scenario::upToDateHasPackagesForOthersOnly()
+void ScenarioTest::upToDateHasPackagesForOthersOnly()
 {
     QVERIFY(play("up-to-date"));
     QDomDocument document;
@@ -154,7 +163,7 @@ void tst_Scenario::upToDateHasPackagesForOthersOnly()
     QVERIFY(!other.attribute("platform").startsWith("Mac"));
 }
 
-void tst_Scenario::emptyHasNoPackage()
+void ScenarioTest::emptyHasNoPackage()
 {
     QVERIFY(play("empty"));
     QDomDocument document;
@@ -162,7 +171,7 @@ void tst_Scenario::emptyHasNoPackage()
     QVERIFY(!document.documentElement().hasChildNodes());
 }
 
-void tst_Scenario::malformedIsNoXml()
+void ScenarioTest::malformedIsNoXml()
 {
     QVERIFY(play("malformed"));
     QCOMPARE(get("/").status, 200);
@@ -170,7 +179,7 @@ void tst_Scenario::malformedIsNoXml()
     QVERIFY(!document.setContent(get("/").body));
 }
 
-void tst_Scenario::redirectEndsAtTheCatalogue()
+void ScenarioTest::redirectEndsAtTheCatalogue()
 {
     QVERIFY(play("redirect"));
     const WebResult first = get("/");
@@ -181,7 +190,7 @@ void tst_Scenario::redirectEndsAtTheCatalogue()
     QCOMPARE(second.body, catalogue);
 }
 
-void tst_Scenario::redirectLoopNeverEnds()
+void ScenarioTest::redirectLoopNeverEnds()
 {
     QVERIFY(play("redirect-loop"));
     QUrl url = m_server->url("/catalogue.xml");
@@ -193,7 +202,7 @@ void tst_Scenario::redirectLoopNeverEnds()
     }
 }
 
-void tst_Scenario::silentNeverAnswers()
+void ScenarioTest::silentNeverAnswers()
 {
     QVERIFY(play("silent"));
     for (const char* target : {"/", "/package.zip"}) {
@@ -204,7 +213,7 @@ void tst_Scenario::silentNeverAnswers()
     }
 }
 
-void tst_Scenario::breaksThePackageOff_data()
+void ScenarioTest::breaksThePackageOff_data()
 {
     QTest::addColumn<QString>("scenario");
     QTest::addColumn<int>("received");
@@ -214,7 +223,7 @@ void tst_Scenario::breaksThePackageOff_data()
     QTest::newRow("stall-at-99") << "stall-at-99" << package.size() / 100 * 99 << int(Ending::None);
 }
 
-void tst_Scenario::breaksThePackageOff()
+void ScenarioTest::breaksThePackageOff()
 {
     QFETCH(QString, scenario);
     QFETCH(int, received);
@@ -232,7 +241,7 @@ void tst_Scenario::breaksThePackageOff()
     QVERIFY(client.head().contains("Content-Length: " + QByteArray::number(package.size())));
 }
 
-void tst_Scenario::long404IsLongerThanThePackage()
+void ScenarioTest::long404IsLongerThanThePackage()
 {
     QVERIFY(play("long-404"));
     const WebResult result = get("/package.zip");
@@ -240,7 +249,7 @@ void tst_Scenario::long404IsLongerThanThePackage()
     QVERIFY(result.body.size() > package.size());
 }
 
-void tst_Scenario::captivePortalAnswersEverything()
+void ScenarioTest::captivePortalAnswersEverything()
 {
     QVERIFY(play("captive-portal"));
     for (const char* path : {"/", "/catalogue.xml", "/package.zip", "/missing"}) {
@@ -252,7 +261,67 @@ void tst_Scenario::captivePortalAnswersEverything()
     }
 }
 
-void tst_Scenario::slowTakesItsTime()
+/** What comes for @p path until the connection is closed, or until it is @p enough. */
+QByteArray ScenarioTest::bytesOf(const QByteArray& path, int enough)
+{
+    QTcpSocket socket;
+    socket.connectToHost(QHostAddress::LocalHost, m_server->port());
+    socket.write("GET " + path + " HTTP/1.1\r\nHost: x\r\n\r\n");
+    QByteArray bytes;
+    while (bytes.size() < enough && socket.waitForReadyRead(patienceMs)) {
+        bytes += socket.readAll();
+    }
+    return bytes;
+}
+
+void ScenarioTest::redirect308IsOneHop()
+{
+    QVERIFY(play("redirect-308"));
+    const QByteArray answer = bytesOf("/", 1 << 20);
+    QVERIFY(answer.startsWith("HTTP/1.1 308 "));
+    QVERIFY(answer.contains("Location: " + m_server->url("/moved/").toEncoded()));
+    QCOMPARE(get("/moved/").body, catalogue);
+}
+
+void ScenarioTest::earlyHintsComeFirst()
+{
+    QVERIFY(play("early-hints"));
+    for (const char* path : {"/", "/package.zip"}) {
+        const QByteArray answer = bytesOf(path, 1 << 20);
+        QVERIFY(answer.startsWith("HTTP/1.1 103 Early Hints\r\n"));
+        QVERIFY(answer.contains("\r\n\r\nHTTP/1.1 200 "));
+        QVERIFY(answer.endsWith("\r\n\r\n" + (QByteArray(path) == "/" ? catalogue : package)));
+    }
+}
+
+void ScenarioTest::endlessHeadersHaveNoEnd()
+{
+    QVERIFY(play("endless-headers"));
+    const QByteArray answer = bytesOf("/", 4 << 20);
+    QVERIFY(answer.size() >= 4 << 20);
+    QVERIFY(answer.startsWith("HTTP/1.1 200 OK\r\nX-Endless: "));
+    QVERIFY(!answer.contains("\r\n\r\n"));
+}
+
+void ScenarioTest::lastChunkIsMissing()
+{
+    QVERIFY(play("missing-last-chunk"));
+    const QByteArray answer = bytesOf("/package.zip", 1 << 20);
+    QVERIFY(answer.contains("Transfer-Encoding: chunked\r\n"));
+    QVERIFY(answer.endsWith(package + "\r\n"));
+    QCOMPARE(get("/").body, catalogue);
+}
+
+void ScenarioTest::halfOfTheLengthIsAnnounced()
+{
+    QVERIFY(play("wrong-length"));
+    const QByteArray answer = bytesOf("/package.zip", 1 << 20);
+    QVERIFY(answer.contains("Content-Length: " + QByteArray::number(package.size() / 2) + "\r\n"));
+    QVERIFY(answer.endsWith(package));
+    QCOMPARE(get("/").body, catalogue);
+}
+
+void ScenarioTest::slowTakesItsTime()
 {
     QVERIFY(play("slow"));
     RawConnection client(m_server->port());
@@ -262,9 +331,9 @@ void tst_Scenario::slowTakesItsTime()
     QVERIFY(client.body().size() < package.size() / 2);
 }
 
-void tst_Scenario::proxyPasswordIsDemandedUntilTheNextScenario()
+void ScenarioTest::proxyPasswordIsDemandedUntilTheNextScenario()
 {
-    const QNetworkRequest request(QUrl(QStringLiteral("http://download.example/package.zip")));
+    const QNetworkRequest request(QUrl(QStringLiteral("http://download.example.com/package.zip")));
     QNetworkProxy proxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), m_server->port());
     QVERIFY(play("proxy-password"));
     QCOMPARE(fetch(request, proxy).error, QNetworkReply::ProxyAuthenticationRequiredError);
@@ -278,24 +347,26 @@ void tst_Scenario::proxyPasswordIsDemandedUntilTheNextScenario()
              package);
 }
 
-void tst_Scenario::missingFilesAreNotFound_data()
+void ScenarioTest::missingFilesAreNotFound_data()
 {
     QTest::addColumn<QString>("scenario");
     for (const QString& name : scenarioNames()) {
-        if (name != "silent" && name != "captive-portal") {
+        // Their answer is the same, or broken, for whatever is asked.
+        const QStringList others = {"silent", "captive-portal", "early-hints", "endless-headers"};
+        if (!others.contains(name)) {
             QTest::newRow(qPrintable(name)) << name;
         }
     }
 }
 
-void tst_Scenario::missingFilesAreNotFound()
+void ScenarioTest::missingFilesAreNotFound()
 {
     QFETCH(QString, scenario);
     QVERIFY(applyScenario(*m_server, scenario, m_folder->path()));
     QCOMPARE(get("/missing.zip").status, 404);
 }
 
-void tst_Scenario::servesNothingOutsideTheFolder()
+void ScenarioTest::servesNothingOutsideTheFolder()
 {
     QVERIFY(QDir(m_folder->path()).mkdir("inner"));
     QVERIFY(applyScenario(*m_server, "as-it-is", m_folder->filePath("inner")));
@@ -305,6 +376,6 @@ void tst_Scenario::servesNothingOutsideTheFolder()
     QCOMPARE(client.status(), 404);
 }
 
-VX_TEST_MAIN(tst_Scenario)
+VX_TEST_MAIN(ScenarioTest)
 
 #include "tst_Scenario.moc"

@@ -31,7 +31,7 @@ void writeFile(const QString& name, const QByteArray& content)
 
 } // namespace
 
-class tst_UpdateServerAnswers : public QObject
+class UpdateServerAnswersTest : public QObject
 {
     Q_OBJECT
 
@@ -65,20 +65,20 @@ private:
     QScopedPointer<QTemporaryDir> m_folder;
 };
 
-void tst_UpdateServerAnswers::init()
+void UpdateServerAnswersTest::init()
 {
     m_folder.reset(new QTemporaryDir);
     m_server.reset(new UpdateServer);
     QVERIFY(m_server->start());
 }
 
-void tst_UpdateServerAnswers::cleanup()
+void UpdateServerAnswersTest::cleanup()
 {
     m_server.reset();
     m_folder.reset();
 }
 
-void tst_UpdateServerAnswers::answersWithTheReplyOfThePath()
+void UpdateServerAnswersTest::answersWithTheReplyOfThePath()
 {
     m_server->setReply("/a", textReply("first"));
     m_server->setReply("/b", textReply("gone", 410));
@@ -94,7 +94,7 @@ void tst_UpdateServerAnswers::answersWithTheReplyOfThePath()
     QCOMPARE(fetch(QNetworkRequest(m_server->url("/c"))).status, 404);
 }
 
-void tst_UpdateServerAnswers::sendsTheReplyAsItStands()
+void UpdateServerAnswersTest::sendsTheReplyAsItStands()
 {
     ServedReply reply = textReply(QByteArray(5000, 'x'));
     reply.headers.push_back({"X-One", "1"});
@@ -110,7 +110,7 @@ void tst_UpdateServerAnswers::sendsTheReplyAsItStands()
     QVERIFY(client.head().contains("\r\nContent-Length: 5000"));
 }
 
-void tst_UpdateServerAnswers::keepsALengthThatTheReplyBrings()
+void UpdateServerAnswersTest::keepsALengthThatTheReplyBrings()
 {
     ServedReply reply = textReply("short");
     reply.headers.push_back({"Content-Length", "1000"});
@@ -123,19 +123,19 @@ void tst_UpdateServerAnswers::keepsALengthThatTheReplyBrings()
     QCOMPARE(client.body(), QByteArray("short"));
 }
 
-void tst_UpdateServerAnswers::answersWithoutBody()
+void UpdateServerAnswersTest::answersWithoutBody()
 {
     ServedReply reply;
     reply.status = 302;
-    reply.headers = {{"Location", "http://other.example/x"}};
+    reply.headers = {{"Location", "http://other.example.com/x"}};
     m_server->setReply("/", reply);
     const WebResult result = fetch(QNetworkRequest(m_server->url()));
     QCOMPARE(result.status, 302);
-    QCOMPARE(result.redirect, QUrl(QStringLiteral("http://other.example/x")));
+    QCOMPARE(result.redirect, QUrl(QStringLiteral("http://other.example.com/x")));
     QVERIFY(result.body.isEmpty());
 }
 
-void tst_UpdateServerAnswers::answersHeadWithoutBody()
+void UpdateServerAnswersTest::answersHeadWithoutBody()
 {
     m_server->setReply("/", textReply("12345"));
     RawConnection client(m_server->port());
@@ -147,7 +147,7 @@ void tst_UpdateServerAnswers::answersHeadWithoutBody()
     QCOMPARE(m_server->requests().constFirst().method, QByteArray("HEAD"));
 }
 
-void tst_UpdateServerAnswers::asksReplyThenHandlerThenFolder()
+void UpdateServerAnswersTest::asksReplyThenHandlerThenFolder()
 {
     writeFile(m_folder->filePath("file"), "from the folder");
     m_server->setFolder(m_folder->path());
@@ -161,7 +161,7 @@ void tst_UpdateServerAnswers::asksReplyThenHandlerThenFolder()
     QCOMPARE(fetch(QNetworkRequest(m_server->url("/other"))).status, 404);
 }
 
-void tst_UpdateServerAnswers::answersAFailingHandlerWith500()
+void UpdateServerAnswersTest::answersAFailingHandlerWith500()
 {
     m_server->setHandler(
         [](const ServedRequest&) -> ServedReply { throw std::runtime_error("broken"); });
@@ -170,7 +170,7 @@ void tst_UpdateServerAnswers::answersAFailingHandlerWith500()
     QCOMPARE(fetch(QNetworkRequest(m_server->url("/"))).status, 404);
 }
 
-void tst_UpdateServerAnswers::recordsRequestsAsTheyCame()
+void UpdateServerAnswersTest::recordsRequestsAsTheyCame()
 {
     QNetworkRequest request(m_server->url("/x"));
     request.setHeader(QNetworkRequest::ContentTypeHeader, "text/xml");
@@ -188,7 +188,7 @@ void tst_UpdateServerAnswers::recordsRequestsAsTheyCame()
     QVERIFY(m_server->requests().isEmpty());
 }
 
-void tst_UpdateServerAnswers::readsThePath_data()
+void UpdateServerAnswersTest::readsThePath_data()
 {
     QTest::addColumn<QByteArray>("target");
     QTest::addColumn<QString>("path");
@@ -200,7 +200,7 @@ void tst_UpdateServerAnswers::readsThePath_data()
     QTest::newRow("scheme in the query") << QByteArray("/a?u=http://x") << QStringLiteral("/a");
 }
 
-void tst_UpdateServerAnswers::readsThePath()
+void UpdateServerAnswersTest::readsThePath()
 {
     QFETCH(QByteArray, target);
     QFETCH(QString, path);
@@ -213,7 +213,7 @@ void tst_UpdateServerAnswers::readsThePath()
     QCOMPARE(m_server->requests().constFirst().target, target);
 }
 
-void tst_UpdateServerAnswers::servesFilesBelowTheFolder()
+void UpdateServerAnswersTest::servesFilesBelowTheFolder()
 {
     QVERIFY(QDir(m_folder->path()).mkdir("sub"));
     const QByteArray large(300000, 'L');
@@ -234,7 +234,7 @@ void tst_UpdateServerAnswers::servesFilesBelowTheFolder()
     QCOMPARE(fetch(QNetworkRequest(m_server->url("/catalogue.xml"))).status, 404);
 }
 
-void tst_UpdateServerAnswers::servesRangesOfFiles_data()
+void UpdateServerAnswersTest::servesRangesOfFiles_data()
 {
     QTest::addColumn<QByteArray>("range");
     QTest::addColumn<int>("status");
@@ -249,7 +249,7 @@ void tst_UpdateServerAnswers::servesRangesOfFiles_data()
     QTest::newRow("several") << QByteArray("bytes=0-1,4-5") << 200 << QByteArray("0123456789");
 }
 
-void tst_UpdateServerAnswers::servesRangesOfFiles()
+void UpdateServerAnswersTest::servesRangesOfFiles()
 {
     QFETCH(QByteArray, range);
     QFETCH(int, status);
@@ -263,7 +263,7 @@ void tst_UpdateServerAnswers::servesRangesOfFiles()
     QCOMPARE(result.body, body);
 }
 
-void tst_UpdateServerAnswers::servesNothingOutsideTheFolder_data()
+void UpdateServerAnswersTest::servesNothingOutsideTheFolder_data()
 {
     QTest::addColumn<QByteArray>("target");
     QTest::newRow("parent") << QByteArray("/../secret");
@@ -274,7 +274,7 @@ void tst_UpdateServerAnswers::servesNothingOutsideTheFolder_data()
     QTest::newRow("neighbour of similar name") << QByteArray("/../served-too/secret");
 }
 
-void tst_UpdateServerAnswers::servesNothingOutsideTheFolder()
+void UpdateServerAnswersTest::servesNothingOutsideTheFolder()
 {
     QFETCH(QByteArray, target);
     const QDir folder(m_folder->path());
@@ -290,7 +290,7 @@ void tst_UpdateServerAnswers::servesNothingOutsideTheFolder()
     QVERIFY(!client.body().contains("secret"));
 }
 
-void tst_UpdateServerAnswers::refusesWhatIsNoHttp()
+void UpdateServerAnswersTest::refusesWhatIsNoHttp()
 {
     RawConnection client(m_server->port());
     QVERIFY(client.send("\x16\x03\x01 this is not HTTP\r\n\r\n"));
@@ -299,7 +299,7 @@ void tst_UpdateServerAnswers::refusesWhatIsNoHttp()
     QVERIFY(m_server->requests().isEmpty());
 }
 
-void tst_UpdateServerAnswers::givesItsAddress()
+void UpdateServerAnswersTest::givesItsAddress()
 {
     QVERIFY(m_server->port() != 0);
     const QString port = QString::number(m_server->port());
@@ -312,7 +312,7 @@ void tst_UpdateServerAnswers::givesItsAddress()
     QCOMPARE(fetch(QNetworkRequest(everywhere.url())).status, 404);
 }
 
-void tst_UpdateServerAnswers::startsOnceAndAgainAfterStop()
+void UpdateServerAnswersTest::startsOnceAndAgainAfterStop()
 {
     m_server->setReply("/", textReply("still there"));
     QVERIFY(!m_server->start());
@@ -326,7 +326,7 @@ void tst_UpdateServerAnswers::startsOnceAndAgainAfterStop()
     QCOMPARE(fetch(QNetworkRequest(m_server->url())).body, QByteArray("still there"));
 }
 
-void tst_UpdateServerAnswers::refusesAPortInUse()
+void UpdateServerAnswersTest::refusesAPortInUse()
 {
     UpdateServer second;
     QVERIFY(!second.start(QStringLiteral("127.0.0.1"), m_server->port()));
@@ -334,7 +334,7 @@ void tst_UpdateServerAnswers::refusesAPortInUse()
     QVERIFY(!second.start(QStringLiteral("no address")));
 }
 
-void tst_UpdateServerAnswers::survivesManyConnectionsAtOnce()
+void UpdateServerAnswersTest::survivesManyConnectionsAtOnce()
 {
     m_server->setReply("/", textReply("ok"));
     std::vector<std::unique_ptr<RawConnection>> clients;
@@ -352,6 +352,6 @@ void tst_UpdateServerAnswers::survivesManyConnectionsAtOnce()
     QCOMPARE(m_server->requests().size(), 200);
 }
 
-VX_TEST_MAIN(tst_UpdateServerAnswers)
+VX_TEST_MAIN(UpdateServerAnswersTest)
 
 #include "tst_UpdateServerAnswers.moc"

@@ -31,7 +31,7 @@ ServedReply faultyReply(ServedReply::Fault fault, qint64 bytes, int size = bodyS
 Q_DECLARE_METATYPE(vx::ServedReply::Fault)
 Q_DECLARE_METATYPE(vx::test::Ending)
 
-class tst_UpdateServerFaults : public QObject
+class UpdateServerFaultsTest : public QObject
 {
     Q_OBJECT
 
@@ -50,7 +50,7 @@ private slots:
     void noticesThatTheClientLeft();
 };
 
-void tst_UpdateServerFaults::breaksTheBodyOff_data()
+void UpdateServerFaultsTest::breaksTheBodyOff_data()
 {
     QTest::addColumn<ServedReply::Fault>("fault");
     QTest::addColumn<qint64>("bytes");
@@ -76,7 +76,7 @@ void tst_UpdateServerFaults::breaksTheBodyOff_data()
     }
 }
 
-void tst_UpdateServerFaults::breaksTheBodyOff()
+void UpdateServerFaultsTest::breaksTheBodyOff()
 {
     QFETCH(ServedReply::Fault, fault);
     QFETCH(qint64, bytes);
@@ -96,14 +96,14 @@ void tst_UpdateServerFaults::breaksTheBodyOff()
     QCOMPARE(client.body().size(), received);
 }
 
-void tst_UpdateServerFaults::looksToQtLikeABrokenServer_data()
+void UpdateServerFaultsTest::looksToQtLikeABrokenServer_data()
 {
     QTest::addColumn<ServedReply::Fault>("fault");
     QTest::newRow("close") << ServedReply::CloseEarly;
     QTest::newRow("reset") << ServedReply::Reset;
 }
 
-void tst_UpdateServerFaults::looksToQtLikeABrokenServer()
+void UpdateServerFaultsTest::looksToQtLikeABrokenServer()
 {
     QFETCH(ServedReply::Fault, fault);
     UpdateServer server;
@@ -115,7 +115,7 @@ void tst_UpdateServerFaults::looksToQtLikeABrokenServer()
     QCOMPARE(result.status, 200);
 }
 
-void tst_UpdateServerFaults::resetsOnlyWhenAllHasArrived()
+void UpdateServerFaultsTest::resetsOnlyWhenAllHasArrived()
 {
     // More than the buffers of both ends hold: the server has to wait for the client to read.
     constexpr int large = 32 * 1024 * 1024;
@@ -128,7 +128,7 @@ void tst_UpdateServerFaults::resetsOnlyWhenAllHasArrived()
     QCOMPARE(client.body().size(), large / 2);
 }
 
-void tst_UpdateServerFaults::neverAnswersWhenSilent()
+void UpdateServerFaultsTest::neverAnswersWhenSilent()
 {
     UpdateServer server;
     QVERIFY(server.start());
@@ -143,7 +143,7 @@ void tst_UpdateServerFaults::neverAnswersWhenSilent()
     QVERIFY(!result.finished);
 }
 
-void tst_UpdateServerFaults::spreadsASlowBodyOverItsTime()
+void UpdateServerFaultsTest::spreadsASlowBodyOverItsTime()
 {
     UpdateServer server;
     QVERIFY(server.start());
@@ -161,7 +161,7 @@ void tst_UpdateServerFaults::spreadsASlowBodyOverItsTime()
     QVERIFY(timer.elapsed() >= 380);
 }
 
-void tst_UpdateServerFaults::waitsBeforeADelayedAnswer()
+void UpdateServerFaultsTest::waitsBeforeADelayedAnswer()
 {
     UpdateServer server;
     QVERIFY(server.start());
@@ -177,7 +177,7 @@ void tst_UpdateServerFaults::waitsBeforeADelayedAnswer()
     QCOMPARE(client.body(), reply.body);
 }
 
-void tst_UpdateServerFaults::delaysOneRequestOnly()
+void UpdateServerFaultsTest::delaysOneRequestOnly()
 {
     UpdateServer server;
     QVERIFY(server.start());
@@ -192,7 +192,7 @@ void tst_UpdateServerFaults::delaysOneRequestOnly()
     QVERIFY(waiting.received().isEmpty());
 }
 
-void tst_UpdateServerFaults::stopEndsEveryConnection_data()
+void UpdateServerFaultsTest::stopEndsEveryConnection_data()
 {
     QTest::addColumn<QByteArray>("request");
     QTest::addColumn<ServedReply::Fault>("fault");
@@ -208,7 +208,7 @@ void tst_UpdateServerFaults::stopEndsEveryConnection_data()
     QTest::newRow("reset never read") << get << ServedReply::Reset << 0;
 }
 
-void tst_UpdateServerFaults::stopEndsEveryConnection()
+void UpdateServerFaultsTest::stopEndsEveryConnection()
 {
     QFETCH(QByteArray, request);
     QFETCH(ServedReply::Fault, fault);
@@ -236,7 +236,7 @@ void tst_UpdateServerFaults::stopEndsEveryConnection()
     }
 }
 
-void tst_UpdateServerFaults::noticesThatTheClientLeft()
+void UpdateServerFaultsTest::noticesThatTheClientLeft()
 {
     UpdateServer server;
     QVERIFY(server.start());
@@ -250,6 +250,6 @@ void tst_UpdateServerFaults::noticesThatTheClientLeft()
     QCOMPARE(fetch(QNetworkRequest(server.url("/ok"))).body.size(), bodySize);
 }
 
-VX_TEST_MAIN(tst_UpdateServerFaults)
+VX_TEST_MAIN(UpdateServerFaultsTest)
 
 #include "tst_UpdateServerFaults.moc"

@@ -8,7 +8,7 @@
 using namespace vx;
 using namespace vx::test;
 
-class tst_UpdateServerProxy : public QObject
+class UpdateServerProxyTest : public QObject
 {
     Q_OBJECT
 
@@ -32,7 +32,7 @@ private:
     QScopedPointer<UpdateServer> m_server;
 };
 
-void tst_UpdateServerProxy::init()
+void UpdateServerProxyTest::init()
 {
     ServedReply reply;
     reply.body = "package";
@@ -42,36 +42,36 @@ void tst_UpdateServerProxy::init()
     QVERIFY(m_server->start());
 }
 
-void tst_UpdateServerProxy::cleanup()
+void UpdateServerProxyTest::cleanup()
 {
     m_server.reset();
 }
 
-QNetworkProxy tst_UpdateServerProxy::proxy(const QString& user, const QString& password) const
+QNetworkProxy UpdateServerProxyTest::proxy(const QString& user, const QString& password) const
 {
     return {QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), m_server->port(), user,
             password};
 }
 
-void tst_UpdateServerProxy::answersForEveryHost_data()
+void UpdateServerProxyTest::answersForEveryHost_data()
 {
     QTest::addColumn<QByteArray>("target");
     QTest::addColumn<QByteArray>("host");
     QTest::addColumn<QString>("path");
     const QString file = QStringLiteral("/p/a b.zip");
-    QTest::newRow("plain") << QByteArray("http://download.example/p/a%20b.zip")
-                           << QByteArray("download.example") << file;
-    QTest::newRow("port") << QByteArray("http://download.example:81/p/a%20b.zip")
-                          << QByteArray("download.example:81") << file;
-    QTest::newRow("query") << QByteArray("http://download.example/p/a%20b.zip?x=/y")
-                           << QByteArray("download.example") << file;
-    QTest::newRow("user") << QByteArray("http://me:pw@download.example/p/a%20b.zip")
-                          << QByteArray("download.example") << file;
-    QTest::newRow("no path") << QByteArray("http://download.example")
-                             << QByteArray("download.example") << QStringLiteral("/");
+    QTest::newRow("plain") << QByteArray("http://download.example.com/p/a%20b.zip")
+                           << QByteArray("download.example.com") << file;
+    QTest::newRow("port") << QByteArray("http://download.example.com:81/p/a%20b.zip")
+                          << QByteArray("download.example.com:81") << file;
+    QTest::newRow("query") << QByteArray("http://download.example.com/p/a%20b.zip?x=/y")
+                           << QByteArray("download.example.com") << file;
+    QTest::newRow("user") << QByteArray("http://me:pw@download.example.com/p/a%20b.zip")
+                          << QByteArray("download.example.com") << file;
+    QTest::newRow("no path") << QByteArray("http://download.example.com")
+                             << QByteArray("download.example.com") << QStringLiteral("/");
 }
 
-void tst_UpdateServerProxy::answersForEveryHost()
+void UpdateServerProxyTest::answersForEveryHost()
 {
     QFETCH(QByteArray, target);
     QFETCH(QByteArray, host);
@@ -87,40 +87,41 @@ void tst_UpdateServerProxy::answersForEveryHost()
     QCOMPARE(request.path, path);
 }
 
-void tst_UpdateServerProxy::answersQtAsAProxy()
+void UpdateServerProxyTest::answersQtAsAProxy()
 {
-    const QUrl url(QStringLiteral("http://download.example/p/a b.zip"));
+    const QUrl url(QStringLiteral("http://download.example.com/p/a b.zip"));
     const WebResult result = fetch(QNetworkRequest(url), proxy());
     QCOMPARE(result.status, 200);
     QCOMPARE(result.body, QByteArray("package"));
-    QCOMPARE(m_server->requests().constFirst().host, QByteArray("download.example"));
+    QCOMPARE(m_server->requests().constFirst().host, QByteArray("download.example.com"));
 }
 
-void tst_UpdateServerProxy::refusesTunnels()
+void UpdateServerProxyTest::refusesTunnels()
 {
     RawConnection client(m_server->port());
-    QVERIFY(
-        client.send("CONNECT download.example:443 HTTP/1.1\r\nHost: download.example:443\r\n\r\n"));
+    QVERIFY(client.send(
+        "CONNECT download.example.com:443 HTTP/1.1\r\nHost: download.example.com:443\r\n\r\n"));
     QCOMPARE(client.readToEnd(), Ending::Closed);
     QCOMPARE(client.status(), 501);
-    QCOMPARE(m_server->requests().constFirst().host, QByteArray("download.example:443"));
+    QCOMPARE(m_server->requests().constFirst().host, QByteArray("download.example.com:443"));
 }
 
-void tst_UpdateServerProxy::demandsThePassword()
+void UpdateServerProxyTest::demandsThePassword()
 {
     m_server->setProxyPassword("user", "secret");
     RawConnection client(m_server->port());
-    QVERIFY(client.get("http://download.example/"));
+    QVERIFY(client.get("http://download.example.com/"));
     QCOMPARE(client.readToEnd(), Ending::Closed);
     QCOMPARE(client.status(), 407);
     QVERIFY(client.head().contains("\r\nProxy-Authenticate: Basic realm="));
-    const WebResult wrong = fetch(QNetworkRequest(QUrl(QStringLiteral("http://download.example/"))),
-                                  proxy("user", "wrong"));
+    const WebResult wrong =
+        fetch(QNetworkRequest(QUrl(QStringLiteral("http://download.example.com/"))),
+              proxy("user", "wrong"));
     QCOMPARE(wrong.error, QNetworkReply::ProxyAuthenticationRequiredError);
     QVERIFY(wrong.body != "package");
 }
 
-void tst_UpdateServerProxy::acceptsThePassword_data()
+void UpdateServerProxyTest::acceptsThePassword_data()
 {
     QTest::addColumn<QString>("user");
     QTest::addColumn<QString>("password");
@@ -130,40 +131,41 @@ void tst_UpdateServerProxy::acceptsThePassword_data()
     QTest::newRow("empty") << QStringLiteral("user") << QString();
 }
 
-void tst_UpdateServerProxy::acceptsThePassword()
+void UpdateServerProxyTest::acceptsThePassword()
 {
     QFETCH(QString, user);
     QFETCH(QString, password);
     m_server->setProxyPassword(user, password);
     RawConnection client(m_server->port());
     const QByteArray pair = (user + QLatin1Char(':') + password).toUtf8().toBase64();
-    QVERIFY(client.get("http://download.example/", "Proxy-Authorization: Basic " + pair + "\r\n"));
+    QVERIFY(
+        client.get("http://download.example.com/", "Proxy-Authorization: Basic " + pair + "\r\n"));
     QCOMPARE(client.readToEnd(), Ending::Closed);
     QCOMPARE(client.status(), 200);
     if (!password.isEmpty()) {
         const WebResult result =
-            fetch(QNetworkRequest(QUrl(QStringLiteral("http://download.example/"))),
+            fetch(QNetworkRequest(QUrl(QStringLiteral("http://download.example.com/"))),
                   proxy(user, password));
         QCOMPARE(result.body, QByteArray("package"));
     }
 }
 
-void tst_UpdateServerProxy::demandsNoPasswordOfDirectRequests()
+void UpdateServerProxyTest::demandsNoPasswordOfDirectRequests()
 {
     m_server->setProxyPassword("user", "secret");
     QCOMPARE(fetch(QNetworkRequest(m_server->url())).body, QByteArray("package"));
 }
 
-void tst_UpdateServerProxy::liftsThePassword()
+void UpdateServerProxyTest::liftsThePassword()
 {
     m_server->setProxyPassword("user", "secret");
     m_server->setProxyPassword(QString(), QString());
     RawConnection client(m_server->port());
-    QVERIFY(client.get("http://download.example/"));
+    QVERIFY(client.get("http://download.example.com/"));
     QCOMPARE(client.readToEnd(), Ending::Closed);
     QCOMPARE(client.status(), 200);
 }
 
-VX_TEST_MAIN(tst_UpdateServerProxy)
+VX_TEST_MAIN(UpdateServerProxyTest)
 
 #include "tst_UpdateServerProxy.moc"

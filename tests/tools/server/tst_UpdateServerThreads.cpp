@@ -35,7 +35,7 @@ void onThreads(int count, const std::function<void(int)>& work)
 
 } // namespace
 
-class tst_UpdateServerThreads : public QObject
+class UpdateServerThreadsTest : public QObject
 {
     Q_OBJECT
 
@@ -46,7 +46,7 @@ private slots:
     void stopsUnderLoad();
 };
 
-void tst_UpdateServerThreads::servesOthersWhileTwentyStall()
+void UpdateServerThreadsTest::servesOthersWhileTwentyStall()
 {
     UpdateServer server;
     QVERIFY(server.start());
@@ -63,7 +63,7 @@ void tst_UpdateServerThreads::servesOthersWhileTwentyStall()
     }
 }
 
-void tst_UpdateServerThreads::callsTheHandlerOneAtATime()
+void UpdateServerThreadsTest::callsTheHandlerOneAtATime()
 {
     UpdateServer server;
     QVERIFY(server.start());
@@ -92,7 +92,7 @@ void tst_UpdateServerThreads::callsTheHandlerOneAtATime()
     QVERIFY(!overlapped);
 }
 
-void tst_UpdateServerThreads::letsEveryOperationRunAtOnce()
+void UpdateServerThreadsTest::letsEveryOperationRunAtOnce()
 {
     UpdateServer server;
     QVERIFY(server.start());
@@ -123,7 +123,7 @@ void tst_UpdateServerThreads::letsEveryOperationRunAtOnce()
     QCOMPARE(answered.load(), 120);
 }
 
-void tst_UpdateServerThreads::stopsUnderLoad()
+void UpdateServerThreadsTest::stopsUnderLoad()
 {
     for (int round = 0; round < 5; ++round) {
         UpdateServer server;
@@ -150,6 +150,6 @@ void tst_UpdateServerThreads::stopsUnderLoad()
     }
 }
 
-VX_TEST_MAIN(tst_UpdateServerThreads)
+VX_TEST_MAIN(UpdateServerThreadsTest)
 
 #include "tst_UpdateServerThreads.moc"

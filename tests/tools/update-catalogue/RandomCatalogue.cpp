@@ -78,7 +78,7 @@ QString set(QRandomGenerator& random, const QString& tag, int depth)
     if (chance(random, 40)) {
         text += attribute(random, "name", names);
     }
-    text += " base-url=\"http://h.example/\">";
+    text += " base-url=\"http://h.example.com/\">";
     for (int i = random.bounded(5); i > 0; --i) {
         text += package(random);
     }

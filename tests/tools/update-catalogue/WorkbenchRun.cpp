@@ -31,7 +31,7 @@ QString writeFile(const QString& folder, const QString& name, const QByteArray& 
 
 QByteArray sampleCatalogue()
 {
-    return "<softwareList status=\"STABLE\" base-url=\"http://h.example/\">\n"
+    return "<softwareList status=\"STABLE\" base-url=\"http://h.example.com/\">\n"
            "<package name=\"App\" release=\"2.0\" platform=\"Mac64\" file-size=\"10\""
            " release-date=\"2026-01-01\" url=\"App.mpkg.zip\"/>\n"
            "<package name=\"App\" release=\"1.5\" platform=\"Mac64\" file-size=\"11\""

@@ -20,7 +20,7 @@ struct WorkbenchRun
 /** Runs the real program with @p arguments, with @p input as its standard input. */
 WorkbenchRun runWorkbench(const QStringList& arguments, const QByteArray& input = QByteArray());
 
-/** Writes @p content into a file of @p folder and gives its path. */
+/** Writes @p content into a file of @p folder and returns its path. */
 QString writeFile(const QString& folder, const QString& name, const QByteArray& content);
 
 /** A catalogue for "App" and the camera "CAM-1", with a BETA package and one for nobody. */

@@ -9,7 +9,17 @@
 using vx::test::runWorkbench;
 using vx::test::WorkbenchRun;
 
-class tst_CommandLine : public QObject
+namespace {
+
+/** The folder in which the examples of the commands are run. */
+QString sourceRoot()
+{
+    return QFileInfo(QFINDTESTDATA("../../../CHANGELOG.md")).absolutePath();
+}
+
+} // namespace
+
+class CommandLineTest : public QObject
 {
     Q_OBJECT
 
@@ -19,15 +29,21 @@ private slots:
     void misuse_data();
     void misuse();
     void listsTheRules();
+    void failsOnWhatIsAskedFor_data();
+    void failsOnWhatIsAskedFor();
     void readsStandardInput();
     void asksForSizesThroughTheProxyOfTheEnvironment();
     void readsUrls();
     void unreadable_data();
     void unreadable();
     void coloursOnlyOnATerminal();
+    void tellsItsVersion();
+    void fullDisksAndOtherPlaces_data();
+    void fullDisksAndOtherPlaces();
+    void examplesDoSomething();
 };
 
-void tst_CommandLine::tellsWhatThereIs()
+void CommandLineTest::tellsWhatThereIs()
 {
     const WorkbenchRun run = runWorkbench({"--help"});
     QCOMPARE(run.exitCode, 0);
@@ -37,9 +53,9 @@ void tst_CommandLine::tellsWhatThereIs()
     }
 }
 
-void tst_CommandLine::everyCommandHasHelpWithAnExample()
+void CommandLineTest::everyCommandHasHelpWithAnExample()
 {
-    QCOMPARE(vx::allCommands().size(), 7);
+    QCOMPARE(vx::allCommands().size(), 11);
     for (const vx::Command& command : vx::allCommands()) {
         const WorkbenchRun run = runWorkbench({command.name, "--help"});
         QCOMPARE(run.exitCode, 0);
@@ -49,7 +65,7 @@ void tst_CommandLine::everyCommandHasHelpWithAnExample()
     }
 }
 
-void tst_CommandLine::misuse_data()
+void CommandLineTest::misuse_data()
 {
     QTest::addColumn<QStringList>("arguments");
 
@@ -59,6 +75,7 @@ void tst_CommandLine::misuse_data()
     QTest::newRow("no catalogue") << QStringList{"lint"};
     QTest::newRow("two catalogues") << QStringList{"lint", "a.xml", "b.xml"};
     QTest::newRow("no such rule") << QStringList{"lint", "--rule", "x", "-"};
+    QTest::newRow("no such severity") << QStringList{"lint", "--fail-on", "doom", "-"};
     QTest::newRow("no application") << QStringList{"explain", "-", "--version", "1"};
     QTest::newRow("no version") << QStringList{"explain", "-", "--application", "App"};
     QTest::newRow("no camera") << QStringList{"explain",   "-", "--application", "App",
@@ -70,10 +87,22 @@ void tst_CommandLine::misuse_data()
     QTest::newRow("gate of diff") << QStringList{"matrix", "-",         "--installations",
                                                  "x.csv",  "--fail-on", "lost"};
     QTest::newRow("no scenario") << QStringList{"serve", ".", "--scenario", "rain"};
+    QTest::newRow("no folder") << QStringList{"hash", "a.xml"};
+    QTest::newRow("hash of nothing") << QStringList{"hash", "--files", "."};
+    QTest::newRow("hash of an address")
+        << QStringList{"hash", "http://h.example/a", "--files", "."};
+    QTest::newRow("hash mixed up") << QStringList{"hash", "-", "--files", ".", "--json"};
+    QTest::newRow("seal of nothing") << QStringList{"seal"};
+    QTest::newRow("seal without a name") << QStringList{"seal", "-"};
+    QTest::newRow("seal mixed up") << QStringList{"seal", "a.xml", "--out", "-", "--json"};
+    QTest::newRow("unseal of two") << QStringList{"unseal", "a.xml", "b.xml"};
+    QTest::newRow("unseal mixed up") << QStringList{"unseal", "a.xml", "--signature", "-"};
+    QTest::newRow("no key") << QStringList{"verify", "a.xml"};
+    QTest::newRow("verify of nothing") << QStringList{"verify"};
     QTest::newRow("no port") << QStringList{"serve", ".", "--port", "high"};
 }
 
-void tst_CommandLine::misuse()
+void CommandLineTest::misuse()
 {
     QFETCH(QStringList, arguments);
 
@@ -83,14 +112,14 @@ void tst_CommandLine::misuse()
     QCOMPARE(run.output, QString());
 }
 
-void tst_CommandLine::readsStandardInput()
+void CommandLineTest::readsStandardInput()
 {
     const WorkbenchRun run = runWorkbench({"lint", "-", "--rule", "no-package"}, "<a/>");
     QCOMPARE(run.exitCode, 1);
     QVERIFY(run.output.startsWith("standard input:1:1: error: "));
 }
 
-void tst_CommandLine::listsTheRules()
+void CommandLineTest::listsTheRules()
 {
     const WorkbenchRun run = runWorkbench({"lint", "--list"});
     QCOMPARE(run.exitCode, 0);
@@ -98,9 +127,48 @@ void tst_CommandLine::listsTheRules()
         QVERIFY(run.output.contains(rule.name));
         QVERIFY(run.output.contains(rule.description));
     }
+    const QJsonArray list = runWorkbench({"lint", "--list", "--json"}).json().array();
+    QCOMPARE(list.size(), vx::allRules().size());
+    QCOMPARE(list[0]["rule"].toString(), vx::allRules().first().name);
+    QCOMPARE(list[0]["severity"].toString(), QString("error"));
+    QCOMPARE(list[0]["description"].toString(), vx::allRules().first().description);
 }
 
-void tst_CommandLine::asksForSizesThroughTheProxyOfTheEnvironment()
+void CommandLineTest::failsOnWhatIsAskedFor_data()
+{
+    QTest::addColumn<QString>("rule");
+    QTest::addColumn<QString>("failOn");
+    QTest::addColumn<int>("exitCode");
+
+    QTest::newRow("note") << "not-installable" << QString() << 0;
+    QTest::newRow("note, on note") << "not-installable"
+                                   << "note" << 1;
+    QTest::newRow("warning") << "suspicious-suffix" << QString() << 1;
+    QTest::newRow("warning, on note") << "suspicious-suffix"
+                                      << "note" << 1;
+    QTest::newRow("warning, on error") << "suspicious-suffix"
+                                       << "error" << 0;
+    QTest::newRow("error, on error") << "no-platform"
+                                     << "error" << 1;
+}
+
+void CommandLineTest::failsOnWhatIsAskedFor()
+{
+    QFETCH(QString, rule);
+    QFETCH(QString, failOn);
+    QFETCH(int, exitCode);
+    const QByteArray catalogue = "<a><package url=\"http://h.example.com/a.dmg\"/>"
+                                 "<package url=\"http://h.example.com/a.b.c\"/></a>";
+    QStringList arguments{"lint", "-", "--rule", rule};
+    if (!failOn.isEmpty()) {
+        arguments << "--fail-on" << failOn;
+    }
+    const WorkbenchRun run = runWorkbench(arguments, catalogue);
+    QVERIFY2(run.output.contains('[' + rule + ']'), qPrintable(run.output));
+    QCOMPARE(run.exitCode, exitCode);
+}
+
+void CommandLineTest::asksForSizesThroughTheProxyOfTheEnvironment()
 {
     vx::UpdateServer server;
     QVERIFY(server.start());
@@ -111,10 +179,10 @@ void tst_CommandLine::asksForSizesThroughTheProxyOfTheEnvironment()
     qunsetenv("http_proxy");
     QCOMPARE(run.exitCode, 1);
     QVERIFY(run.json()["findings"][0]["message"].toString().contains("not to be had"));
-    QCOMPARE(server.requests().first().host, QByteArray("h.example:80"));
+    QCOMPARE(server.requests().first().host, QByteArray("h.example.com:80"));
 }
 
-void tst_CommandLine::readsUrls()
+void CommandLineTest::readsUrls()
 {
     vx::UpdateServer server;
     vx::ServedReply redirect;
@@ -134,7 +202,7 @@ void tst_CommandLine::readsUrls()
     QCOMPARE(server.requests().first().headers.value("content-type"), QByteArray("text/xml"));
 }
 
-void tst_CommandLine::unreadable_data()
+void CommandLineTest::unreadable_data()
 {
     QTest::addColumn<QStringList>("arguments");
 
@@ -145,9 +213,14 @@ void tst_CommandLine::unreadable_data()
     QTest::newRow("no XML") << (QStringList{"explain", "-"} + app);
     QTest::newRow("no installations") << QStringList{"matrix", "-", "--installations", "none.csv"};
     QTest::newRow("no folder") << QStringList{"serve", "missing"};
+    QTest::newRow("no XML to hash") << QStringList{"hash", "-", "--files", "."};
+    QTest::newRow("no folder of files") << QStringList{"hash", "-", "--files", "missing"};
+    QTest::newRow("no signature") << QStringList{"seal", "-", "--signature", "missing"};
+    QTest::newRow("no key") << QStringList{"verify", "-", "--key", "missing"};
+    QTest::newRow("folder for a key") << QStringList{"verify", "-", "--key", "."};
 }
 
-void tst_CommandLine::unreadable()
+void CommandLineTest::unreadable()
 {
     QFETCH(QStringList, arguments);
 
@@ -156,7 +229,7 @@ void tst_CommandLine::unreadable()
     QVERIFY(run.errors.startsWith("update-catalogue: "));
 }
 
-void tst_CommandLine::coloursOnlyOnATerminal()
+void CommandLineTest::coloursOnlyOnATerminal()
 {
     const QByteArray catalogue = vx::test::sampleCatalogue();
     QVERIFY(!runWorkbench({"lint", "-"}, catalogue).output.contains("\033["));
@@ -172,5 +245,64 @@ void tst_CommandLine::coloursOnlyOnATerminal()
     QVERIFY(process.readAllStandardOutput().contains("\033["));
 }
 
-VX_TEST_MAIN(tst_CommandLine)
+void CommandLineTest::tellsItsVersion()
+{
+    const WorkbenchRun run = runWorkbench({"--version"});
+    QCOMPARE(run.exitCode, 0);
+    QVERIFY(
+        QRegularExpression("^update-catalogue \\d+\\.\\d+\\.\\d+\n$").match(run.output).hasMatch());
+}
+
+void CommandLineTest::fullDisksAndOtherPlaces_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("message");
+
+    const QString files = "examples/camera_manager/catalogue.xml --installations "
+                          "examples/camera_manager/field.csv";
+    const QString full = "standard output: No space left on device";
+    QTest::newRow("matrix") << "matrix " + files + " >/dev/full" << full;
+    QTest::newRow("matrix as JSON") << "matrix --json " + files + " >/dev/full" << full;
+    QTest::newRow("lint as JSON") << "lint --list --json >/dev/full" << full;
+    QTest::newRow("help") << "--help >/dev/full" << full;
+    QTest::newRow("report") << "report " + files + " --out /dev/full"
+                            << "/dev/full: is no regular file";
+    QTest::newRow("report into a folder") << "report " + files + " --out docs"
+                                          << "docs: is no";
+    QTest::newRow("report into no folder") << "report " + files + " --out none/report.html"
+                                           << "none: no such folder";
+    QTest::newRow("files in no folder") << "lint examples/camera_manager/catalogue.xml --files none"
+                                        << "none: no such folder";
+}
+
+void CommandLineTest::fullDisksAndOtherPlaces()
+{
+    QFETCH(QString, command);
+    QFETCH(QString, message);
+
+    QProcess shell;
+    shell.setWorkingDirectory(sourceRoot());
+    shell.start("sh", {"-c", QString("exec '%1' %2").arg(UPDATE_CATALOGUE, command)});
+    QVERIFY(shell.waitForFinished(60000));
+    QCOMPARE(shell.exitCode(), 3);
+    const QString errors = QString::fromUtf8(shell.readAllStandardError());
+    QVERIFY2(errors.startsWith("update-catalogue: " + message), qPrintable(errors));
+    QCOMPARE(errors.count('\n'), 1);
+    QVERIFY(!QFileInfo("/dev/full").isFile());
+}
+
+void CommandLineTest::examplesDoSomething()
+{
+    const vx::Command* explain = vx::findCommand("explain");
+    QProcess shell;
+    shell.setWorkingDirectory(sourceRoot());
+    QString example = explain->example;
+    example.replace("update-catalogue ", QString("'%1' ").arg(UPDATE_CATALOGUE));
+    shell.start("sh", {"-c", example});
+    QVERIFY(shell.waitForFinished(60000));
+    QCOMPARE(shell.exitCode(), 0);
+    QVERIFY(shell.readAllStandardOutput().contains("  offered "));
+}
+
+VX_TEST_MAIN(CommandLineTest)
 #include "tst_CommandLine.moc"

@@ -22,7 +22,7 @@ QJsonObject verdict(const QJsonDocument& document, int target, int package)
 
 } // namespace
 
-class tst_Explain : public QObject
+class ExplainTest : public QObject
 {
     Q_OBJECT
 
@@ -38,7 +38,7 @@ private slots:
     void readsWellForPeople();
 };
 
-void tst_Explain::namesTheFirstTest_data()
+void ExplainTest::namesTheFirstTest_data()
 {
     QTest::addColumn<int>("target");
     QTest::addColumn<int>("package");
@@ -89,7 +89,7 @@ void tst_Explain::namesTheFirstTest_data()
                                 << "";
 }
 
-void tst_Explain::namesTheFirstTest()
+void ExplainTest::namesTheFirstTest()
 {
     QFETCH(int, target);
     QFETCH(int, package);
@@ -108,7 +108,7 @@ void tst_Explain::namesTheFirstTest()
     QCOMPARE(found["line"].toInt(), package + 2);
 }
 
-void tst_Explain::showsTheRowsOfTheDialog()
+void ExplainTest::showsTheRowsOfTheDialog()
 {
     const QJsonArray rows = runWorkbench(appOne, sampleCatalogue()).json()["rows"].toArray();
     QCOMPARE(rows.size(), 3);
@@ -125,7 +125,7 @@ void tst_Explain::showsTheRowsOfTheDialog()
     QVERIFY(!french[2].toObject()["hidden"].toBool());
 }
 
-void tst_Explain::betaAcceptsEveryStatus()
+void ExplainTest::betaAcceptsEveryStatus()
 {
     const QJsonDocument document =
         runWorkbench(appOne + QStringList{"--beta"}, sampleCatalogue()).json();
@@ -134,7 +134,7 @@ void tst_Explain::betaAcceptsEveryStatus()
     QCOMPARE(verdict(document, 0, 0)["required"].toString(), QString("3.0b1"));
 }
 
-void tst_Explain::narrowsToOnePackage()
+void ExplainTest::narrowsToOnePackage()
 {
     const WorkbenchRun run =
         runWorkbench(appOne + QStringList{"--package", "twin"}, sampleCatalogue());
@@ -143,7 +143,7 @@ void tst_Explain::narrowsToOnePackage()
     QCOMPARE(run.exitCode, 1);
 }
 
-void tst_Explain::equalReleaseOfOtherSpelling()
+void ExplainTest::equalReleaseOfOtherSpelling()
 {
     QByteArray catalogue = sampleCatalogue();
     catalogue.replace("release=\"1.5\"", "release=\"2.00\"");
@@ -152,7 +152,7 @@ void tst_Explain::equalReleaseOfOtherSpelling()
     QVERIFY(verdict(run.json(), 0, 1)["message"].toString().contains("spelt differently"));
 }
 
-void tst_Explain::samePackageForTwoCameras()
+void ExplainTest::samePackageForTwoCameras()
 {
     const QStringList arguments = appOne + QStringList{"--camera", "CAM-1=4.1"};
     const WorkbenchRun run = runWorkbench(arguments, sampleCatalogue());
@@ -161,7 +161,7 @@ void tst_Explain::samePackageForTwoCameras()
     QCOMPARE(run.json()["rows"].toArray().size(), 3);
 }
 
-void tst_Explain::exitCodeTellsIfAnythingIsOffered()
+void ExplainTest::exitCodeTellsIfAnythingIsOffered()
 {
     const QStringList newest{"explain", "-", "--application", "App", "--version", "9"};
     const WorkbenchRun run = runWorkbench(newest, sampleCatalogue());
@@ -169,7 +169,7 @@ void tst_Explain::exitCodeTellsIfAnythingIsOffered()
     QVERIFY(run.output.contains("Congratulations! Your product is up-to-date!"));
 }
 
-void tst_Explain::readsWellForPeople()
+void ExplainTest::readsWellForPeople()
 {
     QStringList arguments = appOne;
     arguments.removeAll("--json");
@@ -182,5 +182,5 @@ void tst_Explain::readsWellForPeople()
     QVERIFY(output.contains("Firmware fr 4.2 | 0.0 MB | bin | fr | CAM-1 (hidden in \"en\")\n"));
 }
 
-VX_TEST_MAIN(tst_Explain)
+VX_TEST_MAIN(ExplainTest)
 #include "tst_Explain.moc"

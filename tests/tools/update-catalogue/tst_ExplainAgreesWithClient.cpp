@@ -4,9 +4,9 @@
 #include <QTableWidget>
 #include <QtTest>
 
-#include "client/PackageTable.h"
 #include "client/SoftwareUpdateClient.h"
 #include "client/SoftwareUpdateConstants.h"
+#include "client/internal/PackageTable.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TestMain.h"
 #include "tests/tools/update-catalogue/RandomCatalogue.h"
@@ -80,7 +80,7 @@ vx::PackageInfoList packagesOf(const QByteArray& catalogue)
 
 } // namespace
 
-class tst_ExplainAgreesWithClient : public QObject
+class ExplainAgreesWithClientTest : public QObject
 {
     Q_OBJECT
 
@@ -93,7 +93,7 @@ private:
     vx::UpdateServer m_server;
 };
 
-QList<QStringList> tst_ExplainAgreesWithClient::check(const QByteArray& catalogue,
+QList<QStringList> ExplainAgreesWithClientTest::check(const QByteArray& catalogue,
                                                       const vx::OfferCriteria& criteria)
 {
     vx::ServedReply reply;
@@ -135,7 +135,7 @@ QList<QStringList> tst_ExplainAgreesWithClient::check(const QByteArray& catalogu
     return rows;
 }
 
-void tst_ExplainAgreesWithClient::agrees()
+void ExplainAgreesWithClientTest::agrees()
 {
     bool isNumber = false;
     quint32 seed = qEnvironmentVariable("VX_TEST_SEED").toUInt(&isNumber);
@@ -163,5 +163,5 @@ void tst_ExplainAgreesWithClient::agrees()
     QVERIFY(offers < casesEachRun * 9 / 10);
 }
 
-VX_TEST_MAIN(tst_ExplainAgreesWithClient)
+VX_TEST_MAIN(ExplainAgreesWithClientTest)
 #include "tst_ExplainAgreesWithClient.moc"

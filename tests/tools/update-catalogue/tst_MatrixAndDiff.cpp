@@ -21,7 +21,7 @@ const QByteArray field = "name,version,platforms,cameras,beta,count\r\n"
 
 } // namespace
 
-class tst_MatrixAndDiff : public QObject
+class MatrixAndDiffTest : public QObject
 {
     Q_OBJECT
 
@@ -44,12 +44,12 @@ private:
     QScopedPointer<QTemporaryDir> m_folder;
 };
 
-void tst_MatrixAndDiff::init()
+void MatrixAndDiffTest::init()
 {
     m_folder.reset(new QTemporaryDir);
 }
 
-void tst_MatrixAndDiff::countsWhoIsOfferedWhat()
+void MatrixAndDiffTest::countsWhoIsOfferedWhat()
 {
     const WorkbenchRun run = runWorkbench(
         {"matrix", "--json", "-", "--installations", path("f.csv", field)}, sampleCatalogue());
@@ -75,7 +75,7 @@ void tst_MatrixAndDiff::countsWhoIsOfferedWhat()
     QCOMPARE(counts, expected);
 }
 
-void tst_MatrixAndDiff::matrixGate()
+void MatrixAndDiffTest::matrixGate()
 {
     const QStringList arguments{"matrix",    "-",      "--installations", path("f.csv", field),
                                 "--fail-on", "nothing"};
@@ -85,33 +85,44 @@ void tst_MatrixAndDiff::matrixGate()
     QCOMPARE(runWorkbench(arguments, sampleCatalogue()).exitCode, 0);
 }
 
-void tst_MatrixAndDiff::brokenLists_data()
+void MatrixAndDiffTest::brokenLists_data()
 {
     QTest::addColumn<QByteArray>("list");
     QTest::addColumn<QString>("message");
+    QTest::addColumn<int>("exitCode");
 
-    QTest::newRow("empty") << QByteArray() << ":1: ";
-    QTest::newRow("unknown column") << QByteArray("name,version,colour\n") << "\"colour\"";
-    QTest::newRow("no version") << QByteArray("name\nApp\n") << "\"version\" is missing";
-    QTest::newRow("cells") << QByteArray("name,version\nApp,1\nApp\n") << ":3: 1 cells";
-    QTest::newRow("camera") << QByteArray("name,version,cameras\nApp,1,CAM\n") << ":2: \"CAM\"";
-    QTest::newRow("count") << QByteArray("name,version,count\nApp,1,many\n") << ":2: \"many\"";
-    QTest::newRow("lines in quotes")
-        << QByteArray("name,version,label\nApp,1,\"a\n\"\"b\"\"\"\nApp\n") << ":4: 1 cells";
+    const auto row = [](const char* name, const char* list, const char* message, int exitCode) {
+        QTest::newRow(name) << QByteArray(list) << QString(message) << exitCode;
+    };
+    row("empty", "", ":1:1: ", 3);
+    row("unknown column", "name,version,colour\n", ":1:14: no column is called \"colour\"", 3);
+    row("no version", "name\nApp\n", ":1:1: the column \"version\" is missing", 3);
+    row("cells", "name,version\nApp,1\nApp\n", ":3:1: 1 cells", 3);
+    row("camera", "name,version,cameras\nApp,1,CAM\n", ":2:7: \"CAM\"", 3);
+    row("count", "name,version,count\nApp,1,many\n", ":2:7: \"many\"", 3);
+    row("lines in quotes", "name,version,label\nApp,1,\"a\n\"\"b\"\"\"\nApp\n", ":4:1: 1 cells", 3);
+    row("beta", "name,version,beta\nApp,1,maybe\n", ":2:7: \"maybe\" says neither yes nor no", 2);
+    row("version", "name,version\nApp,new\n", ":2:5: \"new\" is no version", 2);
+    row("no text for a version", "name,version\nApp,\n", ":2:5: \"\" is no version", 2);
+    row("version of a camera", "name,version,cameras\nApp,1,CAM=new\n", ":2:7: \"new\"", 2);
+    row("no row", "name,version\n\n", ":2:1: there is no installation", 2);
+    row("column twice", "name,version,Name\nApp,1,App\n", ":1:14: the column \"Name\"", 2);
+    row("semicolons", "name;version\nApp;1\n", ":1:1: the columns are separated by semicolons", 2);
 }
 
-void tst_MatrixAndDiff::brokenLists()
+void MatrixAndDiffTest::brokenLists()
 {
     QFETCH(QByteArray, list);
     QFETCH(QString, message);
+    QFETCH(int, exitCode);
 
     const WorkbenchRun run =
         runWorkbench({"matrix", "-", "--installations", path("f.csv", list)}, sampleCatalogue());
-    QCOMPARE(run.exitCode, 3);
+    QCOMPARE(run.exitCode, exitCode);
     QVERIFY2(run.errors.contains(message), qPrintable(run.errors));
 }
 
-void tst_MatrixAndDiff::tellsWhatChanges_data()
+void MatrixAndDiffTest::tellsWhatChanges_data()
 {
     QTest::addColumn<QByteArray>("before");
     QTest::addColumn<QByteArray>("after");
@@ -134,11 +145,17 @@ void tst_MatrixAndDiff::tellsWhatChanges_data()
     QTest::newRow("other") << QByteArray("name=\"App\" release=\"2.0\"")
                            << QByteArray("name=\"App\" release=\"2.00\"") << "other"
                            << "lost" << 0;
+    QTest::newRow("replaced") << QByteArray("name=\"Firmware fr\"") << QByteArray("name=\"Other\"")
+                              << "replaced"
+                              << "replaced" << 1;
+    QTest::newRow("replaced passes")
+        << QByteArray("name=\"Firmware fr\"") << QByteArray("name=\"Other\"") << "replaced"
+        << "lost,downgrade" << 0;
     QTest::newRow("nothing") << two << two << ""
                              << "nothing" << 1;
 }
 
-void tst_MatrixAndDiff::tellsWhatChanges()
+void MatrixAndDiffTest::tellsWhatChanges()
 {
     QFETCH(QByteArray, before);
     QFETCH(QByteArray, after);
@@ -165,7 +182,7 @@ void tst_MatrixAndDiff::tellsWhatChanges()
     QCOMPARE(run.json()["withoutOffer"].toInt(), change == "lost" ? 15 : 5);
 }
 
-void tst_MatrixAndDiff::manyInstallations()
+void MatrixAndDiffTest::manyInstallations()
 {
     QByteArray list = "name,version,platforms,cameras\n";
     for (int i = 0; i < 5000; ++i) {
@@ -181,5 +198,5 @@ void tst_MatrixAndDiff::manyInstallations()
     QCOMPARE(run.json()["targets"][0]["offers"][0]["count"].toInt(), 5000);
 }
 
-VX_TEST_MAIN(tst_MatrixAndDiff)
+VX_TEST_MAIN(MatrixAndDiffTest)
 #include "tst_MatrixAndDiff.moc"

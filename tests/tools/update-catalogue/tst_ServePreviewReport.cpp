@@ -43,12 +43,13 @@ QString shownBy(const QString& page, const QString& fragment, const QString& pro
 
 } // namespace
 
-class tst_ServePreviewReport : public QObject
+class ServePreviewReportTest : public QObject
 {
     Q_OBJECT
 
 private slots:
     void servesAFolderAndActsAsProxy();
+    void servesWithJson();
     void listsScenarios();
     void drawsTheDialog_data();
     void drawsTheDialog();
@@ -60,13 +61,12 @@ private:
     QTemporaryDir m_folder;
 };
 
-void tst_ServePreviewReport::servesAFolderAndActsAsProxy()
+void ServePreviewReportTest::servesAFolderAndActsAsProxy()
 {
     writeFile(m_folder.path(), "catalogue.xml", sampleCatalogue());
     writeFile(m_folder.path(), "App.mpkg.zip", "0123456789");
     QProcess server;
-    server.start(UPDATE_CATALOGUE,
-                 {"serve", m_folder.path(), "--port", "0", "--scenario", "as-it-is"});
+    server.start(UPDATE_CATALOGUE, {"serve", m_folder.path(), "--port", "0"});
     QTRY_VERIFY_WITH_TIMEOUT(server.canReadLine(), 20000);
     const QString address = QString(server.readLine()).section(" at ", 1).trimmed();
 
@@ -75,11 +75,11 @@ void tst_ServePreviewReport::servesAFolderAndActsAsProxy()
     QNetworkAccessManager proxied;
     proxied.setProxy(QNetworkProxy(QNetworkProxy::HttpProxy, "127.0.0.1",
                                    static_cast<quint16>(QUrl(address).port())));
-    QCOMPARE(get(proxied, QUrl("http://h.example/App.mpkg.zip")), QByteArray("0123456789"));
+    QCOMPARE(get(proxied, QUrl("http://h.example.com/App.mpkg.zip")), QByteArray("0123456789"));
 
     QByteArray log;
     QTRY_VERIFY_WITH_TIMEOUT(
-        (log += server.readAllStandardOutput()).contains("GET http://h.example/App.mpkg.zip"),
+        (log += server.readAllStandardOutput()).contains("GET http://h.example.com/App.mpkg.zip"),
         20000);
     QVERIFY(log.contains("GET /catalogue.xml (host 127.0.0.1"));
     ::kill(static_cast<pid_t>(server.processId()), SIGINT);
@@ -87,19 +87,44 @@ void tst_ServePreviewReport::servesAFolderAndActsAsProxy()
     QCOMPARE(server.exitCode(), 0);
 }
 
-void tst_ServePreviewReport::listsScenarios()
+void ServePreviewReportTest::servesWithJson()
+{
+    writeFile(m_folder.path(), "catalogue.xml", sampleCatalogue());
+    QProcess server;
+    server.start(UPDATE_CATALOGUE, {"serve", m_folder.path(), "--port", "0", "--json"});
+    QTRY_VERIFY_WITH_TIMEOUT(server.canReadLine(), 20000);
+    const QJsonDocument start = QJsonDocument::fromJson(server.readLine());
+    QCOMPARE(start["scenario"].toString(), QString("as-it-is"));
+    QCOMPARE(start["folder"].toString(), m_folder.path());
+
+    QNetworkAccessManager direct;
+    QCOMPARE(get(direct, QUrl(start["catalogue"].toString())), sampleCatalogue());
+    QTRY_VERIFY_WITH_TIMEOUT(server.canReadLine(), 20000);
+    const QJsonDocument request = QJsonDocument::fromJson(server.readLine());
+    QCOMPARE(request["method"].toString(), QString("GET"));
+    QCOMPARE(request["target"].toString(), QString("/catalogue.xml"));
+    ::kill(static_cast<pid_t>(server.processId()), SIGTERM);
+    QVERIFY(server.waitForFinished(20000));
+    QCOMPARE(server.exitCode(), 0);
+}
+
+void ServePreviewReportTest::listsScenarios()
 {
     const QString list = runWorkbench({"serve", "--list"}).output;
     for (const char* name :
          {"up-to-date", "empty", "malformed", "redirect", "redirect-loop", "silent", "short",
-          "long-404", "stall-at-99", "reset", "captive-portal", "slow", "proxy-password"}) {
+          "long-404", "stall-at-99", "reset", "captive-portal", "slow", "proxy-password",
+          "redirect-308", "missing-last-chunk", "wrong-length", "early-hints", "endless-headers"}) {
         QVERIFY2(list.contains(QRegularExpression(QString("^%1 +\\S").arg(name),
                                                   QRegularExpression::MultilineOption)),
                  name);
     }
+    const QJsonArray scenarios = runWorkbench({"serve", "--list", "--json"}).json().array();
+    QCOMPARE(scenarios.first()["scenario"].toString(), QString("as-it-is"));
+    QCOMPARE(scenarios.size(), list.count('\n'));
 }
 
-void tst_ServePreviewReport::drawsTheDialog_data()
+void ServePreviewReportTest::drawsTheDialog_data()
 {
     QTest::addColumn<QString>("language");
 
@@ -108,7 +133,7 @@ void tst_ServePreviewReport::drawsTheDialog_data()
     QTest::newRow("French") << "fr";
 }
 
-void tst_ServePreviewReport::drawsTheDialog()
+void ServePreviewReportTest::drawsTheDialog()
 {
     QFETCH(QString, language);
 
@@ -127,7 +152,7 @@ void tst_ServePreviewReport::drawsTheDialog()
     QVERIFY(plain != selected);
 }
 
-void tst_ServePreviewReport::drawsNothingWithoutAnOffer()
+void ServePreviewReportTest::drawsNothingWithoutAnOffer()
 {
     const WorkbenchRun run = runWorkbench({"preview", "-", "--application", "App", "--version", "9",
                                            "--out", m_folder.filePath("none")},
@@ -137,7 +162,7 @@ void tst_ServePreviewReport::drawsNothingWithoutAnOffer()
     QVERIFY(!QFile::exists(m_folder.filePath("none")));
 }
 
-void tst_ServePreviewReport::pageShowsAndSearches()
+void ServePreviewReportTest::pageShowsAndSearches()
 {
     const QString field = writeFile(m_folder.path(), "field.csv",
                                     "label,name,version,cameras\nHQ,App,1.0,CAM-1=4.0\n");
@@ -157,13 +182,14 @@ void tst_ServePreviewReport::pageShowsAndSearches()
     const QRegularExpressionMatch found =
         count.match(shownBy(page, "spelt", m_folder.filePath("profile")));
     QCOMPARE(found.captured(1), QString("0"));
+    QVERIFY(count.match(shownBy(page, "50%", m_folder.filePath("profile"))).hasMatch());
     const QRegularExpressionMatch twin =
         count.match(shownBy(page, "twin", m_folder.filePath("profile")));
     QVERIFY(twin.captured(1).toInt() > 0);
     QVERIFY(twin.captured(1).toInt() < twin.captured(2).toInt());
 }
 
-void tst_ServePreviewReport::pageEscapesWhatComesFromOutside()
+void ServePreviewReportTest::pageEscapesWhatComesFromOutside()
 {
     const QString field =
         writeFile(m_folder.path(), "evil.csv", "label,name,version\n<script>x</script>,App,1.0\n");
@@ -178,5 +204,5 @@ void tst_ServePreviewReport::pageEscapesWhatComesFromOutside()
     QVERIFY(!text.contains("<img"));
 }
 
-VX_TEST_MAIN(tst_ServePreviewReport)
+VX_TEST_MAIN(ServePreviewReportTest)
 #include "tst_ServePreviewReport.moc"

@@ -1,12 +1,13 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
-#include "client/ForeignLanguageRows.h"
-#include "client/PackageTable.h"
+#include "client/internal/ForeignLanguageRows.h"
+#include "client/internal/PackageTable.h"
 #include "tools/update-catalogue/Commands.h"
 #include "tools/update-catalogue/Installation.h"
 #include "tools/update-catalogue/ParsedCatalogue.h"
 #include "tools/update-catalogue/explain/Explanation.h"
+#include "tools/update-catalogue/signing/SignedView.h"
 
 namespace vx {
 
@@ -18,6 +19,7 @@ void declare(QCommandLineParser& parser)
     declareInstallation(parser);
     parser.addOption(
         {"language", "The system's language, for the rows that it hides.", "CODE", "en"});
+    declareKeys(parser);
     parser.addOption({"package", "Only packages whose name or release holds this.", "TEXT"});
 }
 
@@ -91,19 +93,24 @@ void printTarget(const TargetExplanation& target, const ParsedCatalogue& catalog
     }
 }
 
-void printRows(const PackageInfoList& rows, const QString& language, Terminal& terminal)
+void printRows(const PackageInfoList& rows, const QString& language, const SignedView& view,
+               Terminal& terminal)
 {
     terminal.line(terminal.coloured("Rows of the dialog", Terminal::Bold));
     const QList<int> hidden = foreignLanguageRows(rows, language);
     for (int row = 0; row < rows.size(); ++row) {
-        const QString cells = packageTableRow(rows.at(row)).join(" | ");
+        const QString remark = view.remark(rows.at(row));
+        const QString cells = packageTableRow(rows.at(row)).join(" | ") +
+                              (remark.isEmpty() ? QString() : QString(" (%1)").arg(remark));
         terminal.line(
             hidden.contains(row)
                 ? terminal.coloured(QString("  %1 (hidden in \"%2\")").arg(cells, language),
                                     Terminal::Dim)
                 : "  " + cells);
     }
-    if (rows.isEmpty()) {
+    if (!view.isAccepted()) {
+        terminal.line(QString("  none: the user reads \"%1\"").arg(view.userText()));
+    } else if (rows.isEmpty()) {
         terminal.line("  none: the user reads \"Congratulations! Your product is up-to-date!\"");
     }
 }
@@ -121,22 +128,25 @@ QJsonObject toJson(const Verdict& verdict, const ParsedCatalogue& catalogue)
             {"message", verdict.sentence}};
 }
 
-QJsonArray rowsToJson(const PackageInfoList& rows, const QString& language)
+QJsonArray rowsToJson(const PackageInfoList& rows, const QString& language, const SignedView& view)
 {
     const QList<int> hidden = foreignLanguageRows(rows, language);
     QJsonArray list;
     for (int row = 0; row < rows.size(); ++row) {
-        list.append(
-            QJsonObject{{"cells", QJsonArray::fromStringList(packageTableRow(rows.at(row)))},
-                        {"url", rows.at(row).url.toString()},
-                        {"type", rows.at(row).type},
-                        {"hidden", hidden.contains(row)}});
+        QJsonObject object{{"cells", QJsonArray::fromStringList(packageTableRow(rows.at(row)))},
+                           {"url", rows.at(row).url.toString()},
+                           {"type", rows.at(row).type},
+                           {"hidden", hidden.contains(row)}};
+        if (view.isRequired()) {
+            object.insert("remark", view.remark(rows.at(row)));
+        }
+        list.append(object);
     }
     return list;
 }
 
 QJsonDocument toJson(const Explanation& explanation, const ParsedCatalogue& catalogue,
-                     const QString& language)
+                     const QString& language, const SignedView& view)
 {
     QJsonArray targets;
     for (const TargetExplanation& target : explanation.targets) {
@@ -149,8 +159,10 @@ QJsonDocument toJson(const Explanation& explanation, const ParsedCatalogue& cata
                                    {"installed", target.installedVersion},
                                    {"packages", verdicts}});
     }
-    return QJsonDocument(
-        QJsonObject{{"targets", targets}, {"rows", rowsToJson(explanation.rows, language)}});
+    QJsonObject object{{"targets", targets},
+                       {"rows", rowsToJson(explanation.rows, language, view)}};
+    view.addToJson(object);
+    return QJsonDocument(object);
 }
 
 ExitCode run(const QCommandLineParser& parser, Terminal& terminal)
@@ -159,19 +171,22 @@ ExitCode run(const QCommandLineParser& parser, Terminal& terminal)
         throw CommandFailure(ExitUsage, "explain takes one catalogue");
     }
     const Installation installation = installationFrom(parser);
-    const ParsedCatalogue catalogue =
-        parseCatalogue(readCatalogue(parser.positionalArguments().first()));
-    Explanation explanation = explain(catalogue.packages, installation.criteria);
+    const PublicKeys keys = keysFrom(parser);
+    const CatalogueSource source = readCatalogue(parser.positionalArguments().first());
+    const ParsedCatalogue catalogue = parseCatalogue(source);
+    const SignedView view(source, catalogue, keys);
+    Explanation explanation = explain(view.packages(), installation.criteria);
     narrow(explanation, catalogue, parser.value("package"));
 
     const QString language = parser.value("language");
     if (parser.isSet("json")) {
-        terminal.json(toJson(explanation, catalogue, language));
+        terminal.json(toJson(explanation, catalogue, language, view));
     } else {
+        view.printRefusal(terminal);
         for (const TargetExplanation& target : explanation.targets) {
             printTarget(target, catalogue, terminal);
         }
-        printRows(explanation.rows, language, terminal);
+        printRows(explanation.rows, language, view, terminal);
     }
     return offersAnything(explanation) ? ExitFine : ExitFindings;
 }
@@ -181,8 +196,8 @@ ExitCode run(const QCommandLineParser& parser, Terminal& terminal)
 const Command explainCommand{
     "explain",
     "Tells for every package why an installation is or is not offered it.",
-    "update-catalogue explain examples/camera_manager/catalogue.xml --application \"Camera "
-    "Manager\" --version 5.2.1 --camera MX-D24=4.1.9",
+    "update-catalogue explain examples/camera_manager/catalogue.xml --application "
+    "CameraManager --version 5.2.1 --camera Dome-24=4.1.9",
     false,
     declare,
     run};

@@ -2,7 +2,7 @@
 
 #include <QHash>
 
-#include "package/ReleaseNumber.h"
+#include "base/ReleaseNumber.h"
 #include "tools/update-catalogue/ParsedCatalogue.h"
 #include "tools/update-catalogue/Selection.h"
 

@@ -3,7 +3,7 @@
 #include <QList>
 #include <QString>
 
-#include "client/OfferSelection.h"
+#include "client/internal/OfferSelection.h"
 #include "package/PackageInfo.h"
 
 namespace vx {

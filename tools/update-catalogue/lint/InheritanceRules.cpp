@@ -1,6 +1,4 @@
 #include "download/DownloadManager.h"
-#include "host/CoreQt/DeprecatedQt.h"
-#include "host/CoreQt/StringUtils.h"
 #include "tools/update-catalogue/CatalogueVocabulary.h"
 #include "tools/update-catalogue/lint/Rules.h"
 
@@ -18,16 +16,6 @@ FieldOrigin hiddenValue(const TreeLevel* level, const QString& field)
         }
     }
     return {};
-}
-
-QStringSet wordsOf(const TreeLevel& level, const QString& field)
-{
-    QStringSet words;
-    for (const FieldValue& value : level.fields.value(field)) {
-        words.unite(
-            StringUtils::splitStringSet(value.text, StringUtils::splitWords, skipEmptyParts));
-    }
-    return words;
 }
 
 QString sorted(const QStringSet& words)
@@ -80,10 +68,10 @@ void wordsAddUp(const CatalogueTree& tree, const LintOptions&, FindingSink& sink
 {
     for (const auto& level : tree.levels()) {
         for (const QString& field : wordFields()) {
-            const QStringSet own = wordsOf(*level, field);
+            const QStringSet own = wordsAt(*level, field);
             QStringSet added;
             for (auto* outer = level->parent; outer != nullptr; outer = outer->parent) {
-                added.unite(wordsOf(*outer, field));
+                added.unite(wordsAt(*outer, field));
             }
             added.subtract(own);
             if (!own.isEmpty() && !added.isEmpty()) {

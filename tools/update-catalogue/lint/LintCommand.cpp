@@ -3,6 +3,7 @@
 #include <QJsonObject>
 
 #include "tools/update-catalogue/Commands.h"
+#include "tools/update-catalogue/lint/FindingOutput.h"
 #include "tools/update-catalogue/lint/LintOptions.h"
 #include "tools/update-catalogue/lint/Linter.h"
 
@@ -14,11 +15,25 @@ void declare(QCommandLineParser& parser)
 {
     parser.addPositionalArgument("catalogue", "A file, a URL, or - for standard input.");
     parser.addOption({"list", "List the rules."});
+    parser.addOption({"installations",
+                      "What is in the field, as comma-separated values: compare platforms, cameras "
+                      "and applications with it.",
+                      "FILE"});
     declareLint(parser);
 }
 
-void printRules(Terminal& terminal)
+void printRules(Terminal& terminal, bool asJson)
 {
+    if (asJson) {
+        QJsonArray list;
+        for (const Rule& rule : allRules()) {
+            list.append(QJsonObject{{"rule", rule.name},
+                                    {"severity", severityName(rule.severity)},
+                                    {"description", rule.description}});
+        }
+        terminal.json(QJsonDocument(list));
+        return;
+    }
     for (const Rule& rule : allRules()) {
         terminal.line(QString("%1 %2 %3")
                           .arg(rule.name, -20)
@@ -27,70 +42,31 @@ void printRules(Terminal& terminal)
     }
 }
 
-Terminal::Colour colourOf(Severity severity)
-{
-    switch (severity) {
-    case Severity::Error:
-        return Terminal::Red;
-    case Severity::Warning:
-        return Terminal::Yellow;
-    case Severity::Note:
-        break;
-    }
-    return Terminal::Cyan;
-}
-
-QString place(const QString& name, const Finding& finding)
-{
-    return QString("%1:%2:%3").arg(name).arg(finding.position.line).arg(finding.position.column);
-}
-
-void print(const QString& name, const FindingList& findings, Terminal& terminal)
-{
-    for (const Finding& finding : findings) {
-        const QString subject =
-            finding.package.isEmpty() ? QString() : QString("\"%1\": ").arg(finding.package);
-        terminal.line(
-            QString("%1: %2: %3%4 [%5]")
-                .arg(terminal.coloured(place(name, finding), Terminal::Bold),
-                     terminal.coloured(severityName(finding.severity), colourOf(finding.severity)),
-                     subject, finding.sentence, finding.rule));
-    }
-    terminal.line(findings.size() == 1 ? QString("1 finding.")
-                                       : QString("%1 findings.").arg(findings.size()));
-}
-
-QJsonDocument toJson(const QString& name, const FindingList& findings)
-{
-    QJsonArray list;
-    for (const Finding& finding : findings) {
-        list.append(QJsonObject{{"line", finding.position.line},
-                                {"column", finding.position.column},
-                                {"severity", severityName(finding.severity)},
-                                {"rule", finding.rule},
-                                {"package", finding.package},
-                                {"message", finding.sentence}});
-    }
-    return QJsonDocument(QJsonObject{{"catalogue", name}, {"findings", list}});
-}
-
 ExitCode run(const QCommandLineParser& parser, Terminal& terminal)
 {
     if (parser.isSet("list")) {
-        printRules(terminal);
+        printRules(terminal, parser.isSet("json"));
         return ExitFine;
     }
     if (parser.positionalArguments().size() != 1) {
         throw CommandFailure(ExitUsage, "lint takes one catalogue");
     }
     const CatalogueSource source = readCatalogue(parser.positionalArguments().first());
-    const FindingList findings = lintCatalogue(source, lintOptionsFrom(parser));
-    if (parser.isSet("json")) {
-        terminal.json(toJson(source.name, findings));
-    } else {
-        print(source.name, findings, terminal);
+    LintOptions options = lintOptionsFrom(parser);
+    if (parser.isSet("installations")) {
+        options.installations = readInstallations(parser.value("installations"));
     }
-    return findings.isEmpty() ? ExitFine : ExitFindings;
+    if (source.name.startsWith("http://") || source.name.startsWith("https://")) {
+        options.ownAddress = QUrl(source.name);
+    }
+    const FindingList findings = lintCatalogue(source, options);
+    if (parser.isSet("json")) {
+        terminal.json(QJsonDocument(
+            QJsonObject{{"catalogue", source.name}, {"findings", findingsToJson(findings)}}));
+    } else {
+        printFindings(source.name, findings, terminal);
+    }
+    return holdsAtLeast(findings, options.failOn) ? ExitFindings : ExitFine;
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "tools/update-catalogue/lint/LintOptions.h"
 
+#include <QFileInfo>
+
 #include <algorithm>
 
 #include "tools/update-catalogue/Command.h"
@@ -8,6 +10,17 @@
 namespace vx {
 
 namespace {
+
+Severity failOnFrom(const QCommandLineParser& parser)
+{
+    const QString name = parser.value("fail-on");
+    const std::optional<Severity> severity = severityFromName(name);
+    if (!severity) {
+        throw CommandFailure(
+            ExitUsage, QString("--fail-on takes error, warning or note, and not \"%1\"").arg(name));
+    }
+    return *severity;
+}
 
 QStringList ruleNames(const QCommandLineParser& parser, const QString& option)
 {
@@ -28,8 +41,14 @@ void declareLint(QCommandLineParser& parser)
 {
     parser.addOption({"rule", "Apply only this rule; may be repeated.", "NAME"});
     parser.addOption({"no-rule", "Leave this rule out; may be repeated.", "NAME"});
-    parser.addOption({"files", "Compare sizes with the files in this folder.", "DIR"});
-    parser.addOption({"check-urls", "Compare sizes with what the servers say."});
+    parser.addOption({"files", "Compare sizes and digests with the files in this folder.", "DIR"});
+    parser.addOption({"signed", "Look for digests, as the catalogue is to be signed."});
+    parser.addOption(
+        {"check-urls",
+         "Compare sizes with what the servers say, and look how they serve the catalogue."});
+    parser.addOption({"fail-on",
+                      "Exit with 1 only for findings as bad as this: error, warning or note.",
+                      "SEVERITY", "warning"});
     parser.addOption({"platforms", "The application's platforms.", "WORDS", "Mac32 Mac64 MacPP"});
     parser.addOption({"types", "The file types that the application lists.", "WORDS", "mpkg dmg"});
     parser.addOption({"installable", "The file types that it installs.", "WORDS", "mpkg"});
@@ -40,7 +59,12 @@ LintOptions lintOptionsFrom(const QCommandLineParser& parser)
     LintOptions options;
     options.rules = ruleNames(parser, "rule");
     options.withoutRules = ruleNames(parser, "no-rule");
+    options.failOn = failOnFrom(parser);
     options.files = parser.value("files");
+    options.isSigned = parser.isSet("signed");
+    if (parser.isSet("files") && !QFileInfo(options.files).isDir()) {
+        throw CommandFailure(ExitUnreadable, QString("%1: no such folder").arg(options.files));
+    }
     options.checkUrls = parser.isSet("check-urls");
     options.platforms = splitWordList(parser.value("platforms"));
     options.listedTypes = splitWordList(parser.value("types"));

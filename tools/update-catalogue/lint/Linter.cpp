@@ -1,10 +1,9 @@
 #include "tools/update-catalogue/lint/Linter.h"
 
-#include <QXmlStreamReader>
-
 #include <algorithm>
 
 #include "host/CoreQt/ParseException.h"
+#include "tools/update-catalogue/DocumentFault.h"
 
 namespace vx {
 
@@ -18,24 +17,13 @@ bool isSelected(const Rule& rule, const LintOptions& options)
            !options.withoutRules.contains(rule.name);
 }
 
-/** The line and column at which the XML reader stumbles; nowhere for a limit of the library. */
-TextPosition whereItBreaks(const QByteArray& bytes)
+Finding unreadableDocument(const CatalogueSource& source, const QString& refusal)
 {
-    QXmlStreamReader reader(bytes);
-    while (!reader.atEnd()) {
-        reader.readNext();
-    }
-    return reader.hasError() ? TextPosition{static_cast<int>(reader.lineNumber()),
-                                            static_cast<int>(reader.columnNumber()) + 1}
-                             : TextPosition{1, 1};
-}
-
-Finding unreadableDocument(const CatalogueSource& source, const QString& reason)
-{
-    return {whereItBreaks(source.bytes), Severity::Error, notWellFormed, QString(),
-            QString("The catalogue cannot be parsed (%1): everybody reads \"No update "
-                    "available!\".")
-                .arg(reason)};
+    const DocumentFault fault = documentFault(source.bytes, refusal);
+    const QString reason = fault.reason.endsWith('.') ? fault.reason : fault.reason + '.';
+    return {fault.position, Severity::Error, notWellFormed, QString(),
+            oneLine(reason + " The catalogue cannot be read: everybody is told \"No update "
+                             "available!\".")};
 }
 
 FindingList applyRules(const CatalogueTree& tree, const LintOptions& options)

@@ -1,24 +1,16 @@
-#include <QHash>
+#include <QRegularExpression>
 
 #include <algorithm>
-#include <string>
 #include <vector>
 
+#include "base/ReleaseNumber.h"
 #include "download/DownloadManager.h"
-#include "package/ReleaseNumber.h"
+#include "tools/update-catalogue/ReadableVersion.h"
 #include "tools/update-catalogue/lint/Rules.h"
 
 namespace vx::rules {
 
 namespace {
-
-/** Texts that can't be read sort below all that can, and among themselves by character. */
-bool isReadable(const QString& release)
-{
-    const VersionNumber greatestUnreadable(
-        std::string(static_cast<size_t>(release.size()) + 1, '\xff'));
-    return releaseNumber(release) > greatestUnreadable;
-}
 
 bool areOfferedTogether(const CataloguePackage& a, const CataloguePackage& b)
 {
@@ -36,7 +28,7 @@ std::vector<Release> sortedReleases(const CatalogueTree& tree)
 {
     std::vector<Release> releases;
     for (const CataloguePackage& package : tree.packages()) {
-        if (isReadable(package.info.release)) {
+        if (isReadableVersion(package.info.release)) {
             releases.push_back({releaseNumber(package.info.release), &package});
         }
     }
@@ -65,14 +57,25 @@ void reportSpellings(const std::vector<Release>& releases, size_t first, size_t 
     }
 }
 
-/** Packages by what makes two of them equal. */
-QHash<QString, QList<const CataloguePackage*>> byIdentity(const CatalogueTree& tree)
+/** The numbers that @p release begins with, as people read them: of "5.3-rc1" that is "5.3". */
+QString leadingNumbers(const QString& release)
 {
-    QHash<QString, QList<const CataloguePackage*>> groups;
-    for (const CataloguePackage& package : tree.packages()) {
-        groups[package.info.stringID()].append(&package);
+    static const QRegularExpression numbers("^\\s*([0-9]+(?:\\.[0-9]+)*)");
+    return numbers.match(release).captured(1);
+}
+
+/** Whether the two are dotted numbers of one series that say different things. */
+bool contradict(const QString& release, const QString& publicRelease)
+{
+    static const QRegularExpression dotted("^[0-9]+(\\.[0-9]+)+$");
+    if (!dotted.match(release).hasMatch() || !dotted.match(publicRelease).hasMatch()) {
+        return false;
     }
-    return groups;
+    const QStringList a = release.split('.');
+    const QStringList b = publicRelease.split('.');
+    const int shared = static_cast<int>(std::min(a.size(), b.size()));
+    // Marketing may count on its own, as in "2026.1" for 5.3.
+    return a.first() == b.first() && a.mid(0, shared) != b.mid(0, shared);
 }
 
 } // namespace
@@ -107,7 +110,7 @@ void unreadableDate(const CatalogueTree& tree, const LintOptions&, FindingSink& 
 void unreadableRelease(const CatalogueTree& tree, const LintOptions&, FindingSink& sink)
 {
     for (const CataloguePackage& package : tree.packages()) {
-        if (!isReadable(package.info.release)) {
+        if (!isReadableVersion(package.info.release)) {
             sink.addAt(package, DownloadManager::RELEASE_VERSION,
                        QString("The release \"%1\" is no version number: it is older than every "
                                "installed version, and nobody is offered this package.")
@@ -127,18 +130,29 @@ void releaseSpelling(const CatalogueTree& tree, const LintOptions&, FindingSink&
     }
 }
 
-void equalIdentity(const CatalogueTree& tree, const LintOptions&, FindingSink& sink)
+void preliminaryStable(const CatalogueTree& tree, const LintOptions&, FindingSink& sink)
 {
-    for (const auto& group : byIdentity(tree)) {
-        for (const CataloguePackage* package : group.mid(1)) {
-            if (package->info.url != group.first()->info.url ||
-                package->info.release != group.first()->info.release) {
-                sink.add(*package, package->package->position,
-                         QString("Date and size are those of \"%1\" in line %2, so that both count "
-                                 "as one package: as firmware, only the first is offered.")
-                             .arg(group.first()->label())
-                             .arg(group.first()->package->position.line));
-            }
+    for (const CataloguePackage& package : tree.packages()) {
+        const QString release = package.info.release;
+        const QString numbers = leadingNumbers(release);
+        if (package.info.status == "STABLE" && isReadableVersion(release) &&
+            releaseNumber(release) < releaseNumber(numbers)) {
+            sink.addAt(package, DownloadManager::RELEASE_VERSION,
+                       QString("The release \"%1\" counts as a preliminary version of %2: it is "
+                               "lower, and nobody who has %2 is offered it. Write numbers with a "
+                               "dot between them, or the status \"BETA\".")
+                           .arg(release, numbers));
+        }
+    }
+}
+
+void publicReleaseDiffers(const CatalogueTree& tree, const LintOptions&, FindingSink& sink)
+{
+    for (const CataloguePackage& package : tree.packages()) {
+        if (contradict(package.info.release, package.info.publicRelease)) {
+            sink.addAt(package, DownloadManager::RELEASE_VERSION_PUBLIC,
+                       QString("Users see release %1, and %2 is compared.")
+                           .arg(package.info.publicRelease, package.info.release));
         }
     }
 }

@@ -4,19 +4,6 @@
 
 namespace vx {
 
-QString severityName(Severity severity)
-{
-    switch (severity) {
-    case Severity::Error:
-        return "error";
-    case Severity::Warning:
-        return "warning";
-    case Severity::Note:
-        break;
-    }
-    return "note";
-}
-
 FindingSink::FindingSink(FindingList& findings, const QString& rule, Severity severity)
     : m_findings(findings)
     , m_rule(rule)
@@ -25,13 +12,13 @@ FindingSink::FindingSink(FindingList& findings, const QString& rule, Severity se
 
 void FindingSink::add(const TextPosition& position, const QString& sentence)
 {
-    m_findings.append({position, m_severity, m_rule, QString(), sentence});
+    m_findings.append({position, m_severity, m_rule, QString(), oneLine(sentence)});
 }
 
 void FindingSink::add(const CataloguePackage& package, const TextPosition& position,
                       const QString& sentence)
 {
-    m_findings.append({position, m_severity, m_rule, package.label(), sentence});
+    m_findings.append({position, m_severity, m_rule, oneLine(package.label()), oneLine(sentence)});
 }
 
 void FindingSink::addAt(const CataloguePackage& package, const QString& tag,

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QStringList>
+#include <QUrl>
 
 #include "tools/update-catalogue/CatalogueTree.h"
+#include "tools/update-catalogue/Installation.h"
 #include "tools/update-catalogue/lint/Finding.h"
 
 namespace vx {
@@ -16,14 +18,22 @@ struct LintOptions
     QStringList withoutRules;
     /** A folder with the package files, by the last part of their addresses; empty for none. */
     QString files;
-    /** Ask the servers for the sizes of the packages. */
+    /** Ask the servers for the sizes of the packages, and how they serve the catalogue. */
     bool checkUrls = false;
+    /** Where the catalogue itself was read from; empty if from no server. */
+    QUrl ownAddress;
+    /** Look for digests even if the catalogue is not sealed yet. */
+    bool isSigned = false;
     /** The application's platforms; what tells its packages from firmware. */
     QStringList platforms;
     /** File types that the application lists. */
     QStringList listedTypes;
     /** File types that the application installs. */
     QStringList installableTypes;
+    /** What is in the field; empty if that is not known. */
+    InstallationList installations;
+    /** How bad a finding must be for the program to end with ExitFindings. */
+    Severity failOn = Severity::Warning;
 };
 
 /** Takes the findings of one rule. */

@@ -7,6 +7,9 @@ namespace vx::rules {
 
 namespace {
 
+/** No package that a desktop downloads is larger. */
+constexpr quintptr largestPackage = quintptr(64) << 30;
+
 const char neverEnds[] = "the download of this package never ends for its users.";
 
 QString sizeText(const CataloguePackage& package)
@@ -73,6 +76,19 @@ void lostFraction(const CatalogueTree& tree, const LintOptions&, FindingSink& si
                            .arg(text)
                            .arg(package.info.fileSize)
                            .arg(suggestion(text)));
+        }
+    }
+}
+
+void implausibleSize(const CatalogueTree& tree, const LintOptions&, FindingSink& sink)
+{
+    for (const CataloguePackage& package : tree.packages()) {
+        const quintptr size = package.info.fileSize;
+        if (size > largestPackage) {
+            sink.addAt(package, DownloadManager::FILE_SIZE,
+                       QString("The size \"%1\" is %2 bytes: is the unit right?")
+                           .arg(sizeText(package))
+                           .arg(size));
         }
     }
 }

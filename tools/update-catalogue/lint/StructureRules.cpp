@@ -9,6 +9,9 @@ namespace {
 QString advice(const QString& name)
 {
     const QString nearest = nearestKnownName(name);
+    if (nearest == name) {
+        return " It has no effect there: give it to each package.";
+    }
     return nearest.isEmpty() ? QString(" It has no effect.")
                              : QString(" Did you mean \"%1\"?").arg(nearest);
 }
@@ -68,10 +71,35 @@ void furtherFile(const CatalogueTree& tree, const LintOptions&, FindingSink& sin
     }
 }
 
+void markupInText(const CatalogueTree& tree, const LintOptions&, FindingSink& sink)
+{
+    for (const StrayMarkup& stray : tree.strays()) {
+        if (stray.kind == StrayMarkup::MarkupInText) {
+            sink.add(stray.position,
+                     QString("The tag \"%1\" inside \"%2\" is dropped, and only the text in it is "
+                             "kept. Write \"&lt;\" for \"<\", or put the text into "
+                             "\"<![CDATA[\" and \"]]>\".")
+                         .arg(stray.name, stray.parentName));
+        }
+    }
+}
+
+void strayText(const CatalogueTree& tree, const LintOptions&, FindingSink& sink)
+{
+    for (const StrayMarkup& stray : tree.strays()) {
+        if (stray.kind == StrayMarkup::StrayText) {
+            sink.add(stray.position,
+                     QString("Nobody reads the text \"%1\" that stands in \"%2\" itself: put it "
+                             "into an element or an attribute.")
+                         .arg(stray.name, stray.parentName));
+        }
+    }
+}
+
 void repeatedField(const CatalogueTree& tree, const LintOptions&, FindingSink& sink)
 {
     for (const auto& level : tree.levels()) {
-        for (const QString& field : singleFields()) {
+        for (const QString& field : singleFields() + packageFields()) {
             const QList<FieldValue> values = level->fields.value(field);
             if (values.size() < 2 || values.at(0).text == values.at(1).text) {
                 continue;

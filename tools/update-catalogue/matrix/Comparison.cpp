@@ -4,7 +4,7 @@
 
 #include <tuple>
 
-#include "package/ReleaseNumber.h"
+#include "base/ReleaseNumber.h"
 #include "tools/update-catalogue/matrix/OfferCount.h"
 
 namespace vx {
@@ -12,6 +12,15 @@ namespace vx {
 namespace {
 
 using RowKey = std::tuple<QString, Change, QString, QString>;
+
+QStringSet namesOf(const OfferTable& table, const Offer& offer)
+{
+    QStringSet names;
+    for (const int package : offer.packages) {
+        names.insert(table.catalogue().at(package).name);
+    }
+    return names;
+}
 
 Change changeBetween(const Offer& before, const Offer& after, const QString& textBefore,
                      const QString& textAfter)
@@ -44,11 +53,11 @@ public:
     void add(const Installation& installation)
     {
         QSet<int> changes;
-        changes.insert(note(applicationTarget(installation), m_before.application(installation),
-                            m_after.application(installation), installation.count));
+        note(applicationTarget(installation), m_before.application(installation),
+             m_after.application(installation), installation.count, changes);
         for (int i = 0; i < installation.criteria.currentCameraVersions.size(); ++i) {
-            changes.insert(note(cameraTarget(installation, i), m_before.camera(installation, i),
-                                m_after.camera(installation, i), installation.count));
+            note(cameraTarget(installation, i), m_before.camera(installation, i),
+                 m_after.camera(installation, i), installation.count, changes);
         }
         for (const int change : qAsConst(changes)) {
             m_result.installationsBy[static_cast<Change>(change)] += installation.count;
@@ -67,15 +76,23 @@ public:
     }
 
 private:
-    int note(const QString& target, const Offer& before, const Offer& after, int count)
+    void note(const QString& target, const Offer& before, const Offer& after, int count,
+              QSet<int>& changes)
     {
         const QString textBefore = offerText(m_before, before);
         const QString textAfter = offerText(m_after, after);
-        const Change change = changeBetween(before, after, textBefore, textAfter);
+        Change change = changeBetween(before, after, textBefore, textAfter);
+        changes.insert(static_cast<int>(change));
+        const bool isReplaced = !before.packages.isEmpty() && !after.packages.isEmpty() &&
+                                namesOf(m_before, before) != namesOf(m_after, after);
+        if (isReplaced) {
+            // One that is lower besides still counts as a downgrade, for those who watch for that.
+            change = Change::Replaced;
+            changes.insert(static_cast<int>(change));
+        }
         if (change != Change::None) {
             m_rows[RowKey(target, change, textBefore, textAfter)] += count;
         }
-        return static_cast<int>(change);
     }
 
     const OfferTable& m_before;
@@ -88,7 +105,8 @@ private:
 
 QString changeName(Change change)
 {
-    static const QStringList names{"gained", "lost", "upgrade", "downgrade", "other", "none"};
+    static const QStringList names{"gained",    "lost",  "replaced", "upgrade",
+                                   "downgrade", "other", "none"};
     return names.at(static_cast<int>(change));
 }
 

@@ -9,9 +9,9 @@
 namespace vx {
 
 /** What a new catalogue changes for an application or a camera. */
-enum class Change { Gained, Lost, Upgrade, Downgrade, Other, None };
+enum class Change { Gained, Lost, Replaced, Upgrade, Downgrade, Other, None };
 
-/** "gained", "lost", "upgrade", "downgrade", "other" or "none". */
+/** "gained", "lost", "replaced", "upgrade", "downgrade", "other" or "none". */
 QString changeName(Change change);
 
 /** One change, and how many installations it concerns. */

@@ -5,6 +5,7 @@
 #include "tools/update-catalogue/ParsedCatalogue.h"
 #include "tools/update-catalogue/matrix/Comparison.h"
 #include "tools/update-catalogue/matrix/Gate.h"
+#include "tools/update-catalogue/signing/SignedView.h"
 
 namespace vx {
 
@@ -15,6 +16,7 @@ void declare(QCommandLineParser& parser)
     parser.addPositionalArgument("old", "The catalogue as it is published.");
     parser.addPositionalArgument("new", "The catalogue as it is to be.");
     parser.addOption({"installations", "What is in the field, as comma-separated values.", "FILE"});
+    declareKeys(parser);
     declareGate(parser);
 }
 
@@ -28,7 +30,8 @@ Terminal::Colour colourOf(Change change)
     if (change == Change::Lost || change == Change::Downgrade) {
         return Terminal::Red;
     }
-    return change == Change::Other ? Terminal::Yellow : Terminal::Green;
+    return change == Change::Other || change == Change::Replaced ? Terminal::Yellow
+                                                                 : Terminal::Green;
 }
 
 void print(const Comparison& comparison, Terminal& terminal)
@@ -49,7 +52,8 @@ void print(const Comparison& comparison, Terminal& terminal)
                       .arg(comparison.withoutOffer));
 }
 
-QJsonDocument toJson(const Comparison& comparison)
+QJsonDocument toJson(const Comparison& comparison, const SignedView& before,
+                     const SignedView& after)
 {
     QJsonArray rows;
     for (const ChangeRow& row : comparison.rows) {
@@ -64,10 +68,13 @@ QJsonDocument toJson(const Comparison& comparison)
          ++by) {
         summary.insert(changeName(by.key()), *by);
     }
-    return QJsonDocument(QJsonObject{{"changes", rows},
-                                     {"installations", comparison.installations},
-                                     {"installationsBy", summary},
-                                     {"withoutOffer", comparison.withoutOffer}});
+    QJsonObject object{{"changes", rows},
+                       {"installations", comparison.installations},
+                       {"installationsBy", summary},
+                       {"withoutOffer", comparison.withoutOffer}};
+    before.addToJson(object, "signatureBefore");
+    after.addToJson(object, "signatureAfter");
+    return QJsonDocument(object);
 }
 
 bool isRaised(Alarm alarm, const Comparison& comparison)
@@ -75,6 +82,8 @@ bool isRaised(Alarm alarm, const Comparison& comparison)
     switch (alarm) {
     case Alarm::Lost:
         return comparison.installationsBy.value(Change::Lost) > 0;
+    case Alarm::Replaced:
+        return comparison.installationsBy.value(Change::Replaced) > 0;
     case Alarm::Downgrade:
         return comparison.installationsBy.value(Change::Downgrade) > 0;
     case Alarm::Nothing:
@@ -93,6 +102,12 @@ ExitCode judge(const QSet<int>& gate, const Comparison& comparison)
     return finding ? ExitFindings : ExitFine;
 }
 
+SignedView viewOf(const QString& catalogue, const PublicKeys& keys, const SignedView* seenBefore)
+{
+    const CatalogueSource source = readCatalogue(catalogue);
+    return SignedView(source, parseCatalogue(source), keys, seenBefore);
+}
+
 ExitCode run(const QCommandLineParser& parser, Terminal& terminal)
 {
     const QStringList catalogues = parser.positionalArguments();
@@ -101,16 +116,20 @@ ExitCode run(const QCommandLineParser& parser, Terminal& terminal)
     }
     const QSet<int> gate = gateFrom(parser);
     const InstallationList installations = readInstallations(parser.value("installations"));
-    const OfferTable before(parseCatalogue(readCatalogue(catalogues.at(0))).packages,
-                            installations);
-    const OfferTable after(parseCatalogue(readCatalogue(catalogues.at(1))).packages, installations);
-    const Comparison comparison = compareOffers(before, after, installations);
+    const PublicKeys keys = keysFrom(parser);
+    const SignedView before = viewOf(catalogues.at(0), keys, nullptr);
+    const SignedView after = viewOf(catalogues.at(1), keys, &before);
+    const Comparison comparison =
+        compareOffers(OfferTable(before.packages(), installations, before.remarks()),
+                      OfferTable(after.packages(), installations, after.remarks()), installations);
     if (parser.isSet("json")) {
-        terminal.json(toJson(comparison));
+        terminal.json(toJson(comparison, before, after));
     } else {
+        before.printRefusal(terminal);
+        after.printRefusal(terminal);
         print(comparison, terminal);
     }
-    return judge(gate, comparison);
+    return after.isAccepted() ? judge(gate, comparison) : ExitFindings;
 }
 
 } // namespace

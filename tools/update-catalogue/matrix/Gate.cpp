@@ -7,12 +7,13 @@ namespace vx {
 
 void declareGate(QCommandLineParser& parser)
 {
-    parser.addOption({"fail-on", "Exit with 1 only on these: lost, downgrade, nothing.", "WORDS"});
+    parser.addOption(
+        {"fail-on", "Exit with 1 only on these: lost, replaced, downgrade, nothing.", "WORDS"});
 }
 
 QSet<int> gateFrom(const QCommandLineParser& parser)
 {
-    const QStringList names{"lost", "downgrade", "nothing"};
+    const QStringList names{"lost", "replaced", "downgrade", "nothing"};
     QSet<int> gate;
     for (const QString& word : splitWordList(parser.value("fail-on"))) {
         const int alarm = names.indexOf(word);

@@ -9,6 +9,7 @@ namespace vx {
 /** What makes a release pipeline stop. */
 enum class Alarm {
     Lost,      ///< was offered something, and no longer is
+    Replaced,  ///< is offered packages of other names than before
     Downgrade, ///< is offered a lower release than before
     Nothing    ///< an installation is offered nothing at all
 };

@@ -5,6 +5,7 @@
 #include "tools/update-catalogue/ParsedCatalogue.h"
 #include "tools/update-catalogue/matrix/Gate.h"
 #include "tools/update-catalogue/matrix/OfferCount.h"
+#include "tools/update-catalogue/signing/SignedView.h"
 
 namespace vx {
 
@@ -14,6 +15,7 @@ void declare(QCommandLineParser& parser)
 {
     parser.addPositionalArgument("catalogue", "A file, a URL, or - for standard input.");
     parser.addOption({"installations", "What is in the field, as comma-separated values.", "FILE"});
+    declareKeys(parser);
     declareGate(parser);
 }
 
@@ -35,7 +37,7 @@ void print(const OfferCount& count, Terminal& terminal)
     }
 }
 
-QJsonDocument toJson(const OfferCount& count)
+QJsonDocument toJson(const OfferCount& count, const SignedView& view)
 {
     QJsonArray targets;
     for (auto target = count.targets.begin(); target != count.targets.end(); ++target) {
@@ -45,9 +47,11 @@ QJsonDocument toJson(const OfferCount& count)
         }
         targets.append(QJsonObject{{"target", target.key()}, {"offers", offers}});
     }
-    return QJsonDocument(QJsonObject{{"installations", count.installations},
-                                     {"withoutOffer", count.withoutOffer},
-                                     {"targets", targets}});
+    QJsonObject object{{"installations", count.installations},
+                       {"withoutOffer", count.withoutOffer},
+                       {"targets", targets}};
+    view.addToJson(object);
+    return QJsonDocument(object);
 }
 
 ExitCode run(const QCommandLineParser& parser, Terminal& terminal)
@@ -57,19 +61,24 @@ ExitCode run(const QCommandLineParser& parser, Terminal& terminal)
     }
     const QSet<int> gate = gateFrom(parser);
     if (gate.contains(static_cast<int>(Alarm::Lost)) ||
+        gate.contains(static_cast<int>(Alarm::Replaced)) ||
         gate.contains(static_cast<int>(Alarm::Downgrade))) {
-        throw CommandFailure(ExitUsage, "only diff can tell what is lost or downgraded");
+        throw CommandFailure(ExitUsage, "only diff can tell what is lost, replaced or downgraded");
     }
     const InstallationList installations = readInstallations(parser.value("installations"));
-    const PackageInfoList catalogue =
-        parseCatalogue(readCatalogue(parser.positionalArguments().first())).packages;
-    const OfferCount count = countOffers(OfferTable(catalogue, installations), installations);
+    const PublicKeys keys = keysFrom(parser);
+    const CatalogueSource source = readCatalogue(parser.positionalArguments().first());
+    const SignedView view(source, parseCatalogue(source), keys);
+    const OfferCount count =
+        countOffers(OfferTable(view.packages(), installations, view.remarks()), installations);
     if (parser.isSet("json")) {
-        terminal.json(toJson(count));
+        terminal.json(toJson(count, view));
     } else {
+        view.printRefusal(terminal);
         print(count, terminal);
     }
-    return !gate.isEmpty() && count.withoutOffer > 0 ? ExitFindings : ExitFine;
+    const bool finding = !view.isAccepted() || (!gate.isEmpty() && count.withoutOffer > 0);
+    return finding ? ExitFindings : ExitFine;
 }
 
 } // namespace

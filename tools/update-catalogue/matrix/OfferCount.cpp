@@ -25,7 +25,10 @@ QString offerText(const OfferTable& table, const Offer& offer)
     QStringList labels;
     for (const int package : offer.packages) {
         const PackageInfo& info = table.catalogue().at(package);
-        labels.append(QString("%1 (%2)").arg(packageLabel(info), info.packageType));
+        const QString remark = table.remark(package);
+        labels.append(QString("%1 (%2)").arg(packageLabel(info),
+                                             remark.isEmpty() ? info.packageType
+                                                              : info.packageType + ", " + remark));
     }
     return labels.join(", ");
 }

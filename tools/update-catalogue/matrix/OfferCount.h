@@ -21,7 +21,7 @@ struct OfferCount
 /** Counts over @p installations, each as often as it says. */
 OfferCount countOffers(const OfferTable& table, const InstallationList& installations);
 
-/** The labels of the packages of @p offer, with their file types; empty for nothing. */
+/** The labels of the packages of @p offer, with file types and remarks; empty for nothing. */
 QString offerText(const OfferTable& table, const Offer& offer);
 
 /** How the application of @p installation is spoken of. */

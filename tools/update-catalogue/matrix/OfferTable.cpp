@@ -5,7 +5,7 @@
 #include <thread>
 #include <vector>
 
-#include "package/ReleaseNumber.h"
+#include "base/ReleaseNumber.h"
 #include "tools/update-catalogue/Selection.h"
 
 namespace vx {
@@ -64,8 +64,10 @@ void answerAll(std::vector<Question>& questions)
 
 } // namespace
 
-OfferTable::OfferTable(const PackageInfoList& catalogue, const InstallationList& installations)
+OfferTable::OfferTable(const PackageInfoList& catalogue, const InstallationList& installations,
+                       const QStringList& remarks)
     : m_catalogue(catalogue)
+    , m_remarks(remarks)
 {
     for (const Installation& installation : installations) {
         const OfferCriteria& criteria = installation.criteria;

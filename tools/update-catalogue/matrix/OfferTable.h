@@ -2,6 +2,7 @@
 
 #include <QHash>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 #include "package/PackageInfo.h"
@@ -25,9 +26,14 @@ struct Offer
 class OfferTable
 {
 public:
-    OfferTable(const PackageInfoList& catalogue, const InstallationList& installations);
+    /** @param remarks what is to be said of the packages, by place; those without one are empty. */
+    OfferTable(const PackageInfoList& catalogue, const InstallationList& installations,
+               const QStringList& remarks = QStringList());
 
     const PackageInfoList& catalogue() const { return m_catalogue; }
+
+    /** What is to be said of the package at @p package, or nothing. */
+    QString remark(int package) const { return m_remarks.value(package); }
 
     /** What the application of @p installation is offered. */
     const Offer& application(const Installation& installation) const;
@@ -40,6 +46,7 @@ public:
 
 private:
     PackageInfoList m_catalogue;
+    QStringList m_remarks;
     QHash<QString, Offer> m_offers;
 };
 

@@ -1,7 +1,7 @@
 #include <QJsonObject>
-#include <QSaveFile>
 
 #include "tools/update-catalogue/Commands.h"
+#include "tools/update-catalogue/OutputFile.h"
 #include "tools/update-catalogue/lint/LintOptions.h"
 #include "tools/update-catalogue/lint/Linter.h"
 #include "tools/update-catalogue/report/ReportPage.h"
@@ -18,15 +18,6 @@ void declare(QCommandLineParser& parser)
     declareLint(parser);
 }
 
-void write(const QString& path, const QString& page)
-{
-    QSaveFile file(path);
-    const QByteArray bytes = page.toUtf8();
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
-        throw CommandFailure(ExitUnreadable, QString("%1: %2").arg(path, file.errorString()));
-    }
-}
-
 ExitCode run(const QCommandLineParser& parser, Terminal& terminal)
 {
     if (parser.positionalArguments().size() != 1 || !parser.isSet("installations")) {
@@ -37,20 +28,21 @@ ExitCode run(const QCommandLineParser& parser, Terminal& terminal)
     content.catalogueName = source.name;
     content.installations = readInstallations(parser.value("installations"));
     content.catalogue = parseCatalogue(source);
-    content.findings = lintCatalogue(source, lintOptionsFrom(parser));
+    LintOptions options = lintOptionsFrom(parser);
+    options.installations = content.installations;
+    content.findings = lintCatalogue(source, options);
     const QString path = parser.value("out");
-    write(path, reportPage(content));
+    writeOutput(path, reportPage(content).toUtf8());
 
     if (parser.isSet("json")) {
         terminal.json(
             QJsonDocument(QJsonObject{{"page", path}, {"findings", content.findings.size()}}));
     } else {
         terminal.line(path);
-        terminal.line(QString("%1 findings, %2 kinds of installation")
-                          .arg(content.findings.size())
-                          .arg(content.installations.size()));
+        terminal.line(findingCount(content.findings) + '.');
+        terminal.line(QString("Kinds of installation: %1.").arg(content.installations.size()));
     }
-    return content.findings.isEmpty() ? ExitFine : ExitFindings;
+    return holdsAtLeast(content.findings, options.failOn) ? ExitFindings : ExitFine;
 }
 
 } // namespace

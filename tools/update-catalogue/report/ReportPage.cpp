@@ -57,7 +57,7 @@ QString findingsSection(const FindingList& findings)
     const QString content =
         findings.isEmpty()
             ? QString("<p>No findings.</p>\n")
-            : table(QString("%1 findings").arg(findings.size()),
+            : table(findingCount(findings),
                     {"Place", "Severity", "Rule", "Package", "What users see"}, rows);
     return section("findings", "Findings", content);
 }

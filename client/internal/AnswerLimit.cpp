@@ -1,0 +1,31 @@
+#include "client/internal/AnswerLimit.h"
+
+#include <QNetworkReply>
+#include <QVariant>
+
+namespace vx {
+
+namespace {
+
+constexpr qint64 largestAnswer = 64LL * 1024 * 1024; // bytes
+
+constexpr char mark[] = "vx_answerTooLong";
+
+} // namespace
+
+void stopAboveLargestAnswer(QNetworkReply* reply)
+{
+    QObject::connect(reply, &QNetworkReply::readyRead, reply, [reply] {
+        if (reply->bytesAvailable() > largestAnswer) {
+            reply->setProperty(mark, true);
+            reply->abort();
+        }
+    });
+}
+
+bool wasTooLong(const QNetworkReply& reply)
+{
+    return reply.property(mark).toBool();
+}
+
+} // namespace vx

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QDateTime>
+#include <QSettings>
+
+#include <memory>
+
+namespace vx {
+
+/**
+ * The application's settings store, opened anew: nothing of it is kept between two operations.
+ * Everything that the client stores is at its top level.
+ */
+std::unique_ptr<QSettings> openStore();
+
+/**
+ * The same, for writing: fit for it, even if it is damaged.
+ *
+ * Times that Qt would crash on are replaced by null ones, wherever in the user's own file they
+ * stand. Values of the files behind it, the organisation's and the system's, can't be read.
+ */
+std::unique_ptr<QSettings> openStoreToWrite();
+
+/** Whether @p time is one that a damaged store can give, and that Qt crashes on when it writes. */
+bool isUnwritable(const QDateTime& time);
+
+} // namespace vx

@@ -1,0 +1,11 @@
+# What the Debian packages are called: those of the two Qts can be installed side by side.
+if(SOFTWAREUPDATECLIENT_QT STREQUAL "6")
+  set(vx_runtime_package "libsoftwareupdateclient-qt6-${PROJECT_VERSION_MAJOR}")
+  set(vx_development_package libsoftwareupdateclient-qt6-dev)
+  set(vx_qt_development_packages "qt6-base-dev, qt6-5compat-dev")
+else()
+  set(vx_runtime_package "libsoftwareupdateclient${PROJECT_VERSION_MAJOR}")
+  set(vx_development_package libsoftwareupdateclient-dev)
+  set(vx_qt_development_packages "qtbase5-dev")
+endif()
+set(vx_workbench_package update-catalogue)
