@@ -1,11 +1,12 @@
-# vx_add_host_library(<Name> [INTERNALS] SOURCES <file>... [PUBLIC <lib>...] [PRIVATE <lib>...])
+# vx_add_host_library(<Name> [INTERNALS] SOURCES <file>... [PUBLIC <lib>...] [PRIVATE <lib>...]
+#                     [PRECOMPILED <header>...])
 #
 # Builds the reference implementation of one host library as the shared library Vx<Name>, with
 # hidden visibility and the export header host/<Name>/<Name>Export.h (macro VX_<NAME>_EXPORT).
 # A project that brings its own defines a target Vx<Name> before it adds this one: then nothing is
 # built here and everything links to that target. INTERNALS adds Vx<Name>Internals, see Internals.cmake.
 function(vx_add_host_library name)
-  cmake_parse_arguments(arg "INTERNALS" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
+  cmake_parse_arguments(arg "INTERNALS" "" "SOURCES;PUBLIC;PRIVATE;PRECOMPILED" ${ARGN})
   set(target "Vx${name}")
   if(TARGET ${target})
     return()
@@ -25,6 +26,9 @@ function(vx_add_host_library name)
   target_compile_features(${target} PUBLIC cxx_std_17)
   target_link_libraries(${target} PUBLIC ${arg_PUBLIC}
     PRIVATE ${arg_PRIVATE} $<BUILD_INTERFACE:VxStrictness>)
+  if(arg_PRECOMPILED)
+    target_precompile_headers(${target} PRIVATE ${arg_PRECOMPILED})
+  endif()
   if(arg_INTERNALS)
     vx_add_internals(${target})
   endif()
