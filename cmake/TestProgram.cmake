@@ -33,6 +33,13 @@ function(vx_add_test name)
   vx_set_test_surroundings(${name})
 endfunction()
 
+# vx_start_early(<test>...)
+#
+# Of what takes longest, nothing is to be left running alone at the end.
+function(vx_start_early)
+  set_tests_properties(${ARGN} PROPERTIES COST 60)
+endfunction()
+
 # vx_host_compile_flags(<variable> <folder>...)
 #
 # What a host's compiler is given to find the headers in these folders, and those of Qt.
