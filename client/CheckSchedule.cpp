@@ -1,30 +1,23 @@
 #include "client/SoftwareUpdateClient.h"
 
 #include "base/LogLine.h"
+#include "client/internal/CheckInterval.h"
 
 namespace vx {
 
 namespace {
 
-enum Interval { AtApplicationStart = 0, Daily = 1, Weekly = 2, Monthly = 3 };
-
-/** When the next check is due, or an empty log text if @p interval never makes one due. */
-struct Schedule
-{
-    QDateTime due;
-    QString firedText;
-};
-
-Schedule scheduleAfter(const QDateTime& lastCheck, int interval)
+/** Empty if @p interval never makes a check due. */
+QString firedText(int interval)
 {
     const QString operation = QStringLiteral("SoftwareUpdateClient::queryLastUpdate() -> ");
     switch (interval) {
     case Daily:
-        return {lastCheck.addDays(1), operation + QStringLiteral("daily update fired")};
+        return operation + QStringLiteral("daily update fired");
     case Weekly:
-        return {lastCheck.addDays(7), operation + QStringLiteral("weekly update fired")};
+        return operation + QStringLiteral("weekly update fired");
     case Monthly:
-        return {lastCheck.addMonths(1), operation + QStringLiteral("monthly update fired")};
+        return operation + QStringLiteral("monthly update fired");
     default:
         return {};
     }
@@ -39,14 +32,15 @@ void SoftwareUpdateClient::queryLastUpdate(int delay)
     if (updateDialog || record.updateInterval == AtApplicationStart) {
         return;
     }
-    const Schedule schedule = scheduleAfter(record.lastCheck, record.updateInterval);
+    const QString fired = firedText(record.updateInterval);
+    const QDateTime due = checkDueAfter(record.lastCheck, record.updateInterval);
     // A client that never checked has no time, which sorts before any other.
-    if (schedule.firedText.isEmpty() || !(schedule.due < QDateTime::currentDateTime())) {
+    if (fired.isEmpty() || !(due < QDateTime::currentDateTime())) {
         return;
     }
     checkForUpdate(delay);
     // Said even if the check was refused: the line tells that the schedule was due.
-    logLine(1, schedule.firedText);
+    logLine(1, fired);
 }
 
 void SoftwareUpdateClient::doInitialCheck(int msDelay)

@@ -16,19 +16,6 @@ namespace vx {
 
 namespace {
 
-OfferCriteria criteriaFrom(const SoftwareUpdateSettings& record)
-{
-    OfferCriteria criteria;
-    // The application's own name and not the product's: the two may differ.
-    criteria.applicationName = QCoreApplication::applicationName();
-    criteria.versionNumber = record.versionNumber;
-    criteria.supportedPlatforms = record.supportedPlatforms;
-    criteria.supportedPackageTypes = record.supportedPackageTypes;
-    criteria.currentCameraVersions = record.currentCameraVersions;
-    criteria.checkForBeta = record.checkForBeta;
-    return criteria;
-}
-
 QByteArray beginningOf(QIODevice* catalogue)
 {
     constexpr qint64 enough = 1024;
@@ -76,7 +63,8 @@ int SoftwareUpdateClient::parseServerResponse(QNetworkReply* reply)
     }
     SoftwareUpdateSettings record;
     getCurrentSettings(&record);
-    OfferCriteria criteria = criteriaFrom(record);
+    // The application's own name and not the product's: the two may differ.
+    OfferCriteria criteria = criteriaFrom(record, QCoreApplication::applicationName());
     if (updateDialog != nullptr) {
         criteria.checkForBeta = updateDialog->getDialogSettings().checkForBeta;
     }

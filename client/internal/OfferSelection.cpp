@@ -36,6 +36,18 @@ PackageInfoList findCameraCandidates(PackageInfoList& catalogue, const OfferCrit
 
 } // namespace
 
+OfferCriteria criteriaFrom(const SoftwareUpdateSettings& record, const QString& applicationName)
+{
+    OfferCriteria criteria;
+    criteria.applicationName = applicationName;
+    criteria.versionNumber = record.versionNumber;
+    criteria.supportedPlatforms = record.supportedPlatforms;
+    criteria.supportedPackageTypes = record.supportedPackageTypes;
+    criteria.currentCameraVersions = record.currentCameraVersions;
+    criteria.checkForBeta = record.checkForBeta;
+    return criteria;
+}
+
 PackageInfo applicationFilter(const OfferCriteria& criteria)
 {
     const QStringSet platforms(criteria.supportedPlatforms.begin(),

@@ -27,6 +27,9 @@ struct OfferCriteria
     bool checkForBeta = false;
 };
 
+/** What @p record decides for an application of that name. */
+OfferCriteria criteriaFrom(const SoftwareUpdateSettings& record, const QString& applicationName);
+
 /** What a package for the application must pass. File types are tested beside it. */
 PackageInfo applicationFilter(const OfferCriteria& criteria);
 

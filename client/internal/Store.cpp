@@ -87,6 +87,13 @@ std::unique_ptr<QSettings> openStore()
     return store;
 }
 
+std::unique_ptr<QSettings> openStoreFile(const QString& path)
+{
+    auto store = std::make_unique<QSettings>(path, QSettings::IniFormat);
+    setUtf8(*store, holdsUtf8(path));
+    return store;
+}
+
 std::unique_ptr<QSettings> openStoreToWrite()
 {
     auto store = openStore();

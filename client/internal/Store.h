@@ -21,6 +21,9 @@ std::unique_ptr<QSettings> openStore();
  */
 std::unique_ptr<QSettings> openStoreToWrite();
 
+/** The store of another installation: the file at @p path, as it was sent here. For reading. */
+std::unique_ptr<QSettings> openStoreFile(const QString& path);
+
 /** Whether @p time is one that a damaged store can give, and that Qt crashes on when it writes. */
 bool isUnwritable(const QDateTime& time);
 
