@@ -2,6 +2,7 @@
 
 #include <QEventLoop>
 #include <QFile>
+#include <QFileInfo>
 #include <QNetworkAccessManager>
 #include <QNetworkProxy>
 #include <QNetworkReply>
@@ -41,7 +42,7 @@ CatalogueSource readFile(const QString& path)
     if (!file.open(QIODevice::ReadOnly)) {
         throw unreadable(path, file.errorString());
     }
-    CatalogueSource catalogue{path, readDevice(file, path)};
+    CatalogueSource catalogue{path, readDevice(file, path), QFileInfo(path).lastModified()};
     if (file.error() != QFile::NoError) {
         throw unreadable(path, file.errorString());
     }
@@ -75,7 +76,8 @@ CatalogueSource readUrl(const QString& address)
     if (reply->error() != QNetworkReply::NoError) {
         throw unreadable(address, reply->errorString());
     }
-    return {address, readDevice(*reply, address)};
+    const QDateTime date = reply->header(QNetworkRequest::LastModifiedHeader).toDateTime();
+    return {address, readDevice(*reply, address), date};
 }
 
 } // namespace

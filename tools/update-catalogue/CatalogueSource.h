@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDateTime>
 #include <QString>
 
 namespace vx {
@@ -11,6 +12,8 @@ struct CatalogueSource
     /** A path, a URL, or "standard input". */
     QString name;
     QByteArray bytes;
+    /** When it was last changed, as its file or its server says; null if neither does. */
+    QDateTime date = QDateTime();
 };
 
 /**

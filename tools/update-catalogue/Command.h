@@ -47,6 +47,9 @@ struct Command
     ExitCode (*run)(const QCommandLineParser& parser, Terminal& terminal);
 };
 
+/** Which release of the program this is, such as "1.0.0". */
+QString programVersion();
+
 /** Every command, in the order in which the help lists them. */
 const QList<Command>& allCommands();
 

@@ -60,6 +60,11 @@ ExitCode run(const Command& command, const QStringList& arguments, Terminal& ter
 
 } // namespace
 
+QString programVersion()
+{
+    return VX_VERSION;
+}
+
 const Command* findCommand(const QString& name)
 {
     for (const Command& command : allCommands()) {
@@ -80,7 +85,7 @@ ExitCode runNamed(const QStringList& arguments, Terminal& terminal)
         return ExitFine;
     }
     if (name == "--version") {
-        terminal.line(QString("%1 %2").arg(programName, VX_VERSION));
+        terminal.line(QString("%1 %2").arg(programName, programVersion()));
         return ExitFine;
     }
     const Command* command = findCommand(name);

@@ -1,5 +1,5 @@
-// The three commands that reach beyond the terminal, each as a user meets it: a server that is
-// asked, pictures that are opened, a page that a browser shows.
+// Two commands that reach beyond the terminal, each as a user meets it: a server that is asked, and
+// pictures that are opened.
 #include <QtTest>
 
 #include <QImage>
@@ -29,21 +29,9 @@ QByteArray get(QNetworkAccessManager& manager, const QUrl& url)
     return finished.wait(20000) ? reply->readAll() : QByteArray();
 }
 
-QString shownBy(const QString& page, const QString& fragment, const QString& profile)
-{
-    QProcess chromium;
-    chromium.start("chromium",
-                   {"--headless", "--no-sandbox", "--disable-gpu", "--disable-quic",
-                    "--no-first-run", "--disable-background-networking",
-                    "--disable-component-update", "--disable-sync", "--user-data-dir=" + profile,
-                    "--dump-dom", "file://" + page + "#" + fragment});
-    return chromium.waitForFinished(60000) ? QString::fromUtf8(chromium.readAllStandardOutput())
-                                           : QString();
-}
-
 } // namespace
 
-class ServePreviewReportTest : public QObject
+class ServeAndPreviewTest : public QObject
 {
     Q_OBJECT
 
@@ -54,14 +42,12 @@ private slots:
     void drawsTheDialog_data();
     void drawsTheDialog();
     void drawsNothingWithoutAnOffer();
-    void pageShowsAndSearches();
-    void pageEscapesWhatComesFromOutside();
 
 private:
     QTemporaryDir m_folder;
 };
 
-void ServePreviewReportTest::servesAFolderAndActsAsProxy()
+void ServeAndPreviewTest::servesAFolderAndActsAsProxy()
 {
     writeFile(m_folder.path(), "catalogue.xml", sampleCatalogue());
     writeFile(m_folder.path(), "App.mpkg.zip", "0123456789");
@@ -87,7 +73,7 @@ void ServePreviewReportTest::servesAFolderAndActsAsProxy()
     QCOMPARE(server.exitCode(), 0);
 }
 
-void ServePreviewReportTest::servesWithJson()
+void ServeAndPreviewTest::servesWithJson()
 {
     writeFile(m_folder.path(), "catalogue.xml", sampleCatalogue());
     QProcess server;
@@ -108,7 +94,7 @@ void ServePreviewReportTest::servesWithJson()
     QCOMPARE(server.exitCode(), 0);
 }
 
-void ServePreviewReportTest::listsScenarios()
+void ServeAndPreviewTest::listsScenarios()
 {
     const QString list = runWorkbench({"serve", "--list"}).output;
     for (const char* name :
@@ -124,7 +110,7 @@ void ServePreviewReportTest::listsScenarios()
     QCOMPARE(scenarios.size(), list.count('\n'));
 }
 
-void ServePreviewReportTest::drawsTheDialog_data()
+void ServeAndPreviewTest::drawsTheDialog_data()
 {
     QTest::addColumn<QString>("language");
 
@@ -133,7 +119,7 @@ void ServePreviewReportTest::drawsTheDialog_data()
     QTest::newRow("French") << "fr";
 }
 
-void ServePreviewReportTest::drawsTheDialog()
+void ServeAndPreviewTest::drawsTheDialog()
 {
     QFETCH(QString, language);
 
@@ -152,7 +138,7 @@ void ServePreviewReportTest::drawsTheDialog()
     QVERIFY(plain != selected);
 }
 
-void ServePreviewReportTest::drawsNothingWithoutAnOffer()
+void ServeAndPreviewTest::drawsNothingWithoutAnOffer()
 {
     const WorkbenchRun run = runWorkbench({"preview", "-", "--application", "App", "--version", "9",
                                            "--out", m_folder.filePath("none")},
@@ -162,47 +148,5 @@ void ServePreviewReportTest::drawsNothingWithoutAnOffer()
     QVERIFY(!QFile::exists(m_folder.filePath("none")));
 }
 
-void ServePreviewReportTest::pageShowsAndSearches()
-{
-    const QString field = writeFile(m_folder.path(), "field.csv",
-                                    "label,name,version,cameras\nHQ,App,1.0,CAM-1=4.0\n");
-    const QString page = m_folder.filePath("report.html");
-    const WorkbenchRun run =
-        runWorkbench({"report", "-", "--installations", field, "--out", page}, sampleCatalogue());
-    QCOMPARE(run.exitCode, 1);
-
-    const QString all = shownBy(page, "", m_folder.filePath("profile"));
-    const QRegularExpression count("(\\d+) of (\\d+) rows");
-    const QRegularExpressionMatch everything = count.match(all);
-    QVERIFY2(everything.hasMatch(), qPrintable(all.left(500)));
-    QCOMPARE(everything.captured(1), everything.captured(2));
-    QVERIFY(all.contains("HQ: 3 offered"));
-    QVERIFY(!all.contains(QRegularExpression("(src|href)=")));
-
-    const QRegularExpressionMatch found =
-        count.match(shownBy(page, "spelt", m_folder.filePath("profile")));
-    QCOMPARE(found.captured(1), QString("0"));
-    QVERIFY(count.match(shownBy(page, "50%", m_folder.filePath("profile"))).hasMatch());
-    const QRegularExpressionMatch twin =
-        count.match(shownBy(page, "twin", m_folder.filePath("profile")));
-    QVERIFY(twin.captured(1).toInt() > 0);
-    QVERIFY(twin.captured(1).toInt() < twin.captured(2).toInt());
-}
-
-void ServePreviewReportTest::pageEscapesWhatComesFromOutside()
-{
-    const QString field =
-        writeFile(m_folder.path(), "evil.csv", "label,name,version\n<script>x</script>,App,1.0\n");
-    const QString page = m_folder.filePath("evil.html");
-    runWorkbench({"report", "-", "--installations", field, "--out", page},
-                 sampleCatalogue().replace("Firmware twin", "&lt;img onerror=x&gt;"));
-    QFile file(page);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QByteArray text = file.readAll();
-    QVERIFY(text.contains("&lt;script&gt;x"));
-    QVERIFY(!text.contains("<script>x"));
-    QVERIFY(!text.contains("<img"));
-}
-
-VX_TEST_MAIN(ServePreviewReportTest)
-#include "tst_ServePreviewReport.moc"
+VX_TEST_MAIN(ServeAndPreviewTest)
+#include "tst_ServeAndPreview.moc"

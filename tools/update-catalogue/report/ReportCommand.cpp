@@ -1,9 +1,12 @@
+#include <QCoreApplication>
 #include <QJsonObject>
 
+#include "tools/update-catalogue/AddressText.h"
 #include "tools/update-catalogue/Commands.h"
 #include "tools/update-catalogue/OutputFile.h"
 #include "tools/update-catalogue/lint/LintOptions.h"
 #include "tools/update-catalogue/lint/Linter.h"
+#include "tools/update-catalogue/report/CommandText.h"
 #include "tools/update-catalogue/report/ReportPage.h"
 
 namespace vx {
@@ -25,7 +28,9 @@ ExitCode run(const QCommandLineParser& parser, Terminal& terminal)
     }
     const CatalogueSource source = readCatalogue(parser.positionalArguments().first());
     ReportContent content;
-    content.catalogueName = source.name;
+    content.catalogueName = withoutPassword(source.name);
+    content.catalogueDate = source.date;
+    content.command = commandLine(QCoreApplication::arguments());
     content.installations = readInstallations(parser.value("installations"));
     content.catalogue = parseCatalogue(source);
     LintOptions options = lintOptionsFrom(parser);

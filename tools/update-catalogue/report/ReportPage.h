@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QString>
 
 #include "tools/update-catalogue/CatalogueSource.h"
@@ -13,6 +14,10 @@ namespace vx {
 struct ReportContent
 {
     QString catalogueName;
+    /** When the catalogue was last changed; null if that is not known. */
+    QDateTime catalogueDate;
+    /** The command line that makes the page. */
+    QString command;
     ParsedCatalogue catalogue;
     FindingList findings;
     InstallationList installations;
