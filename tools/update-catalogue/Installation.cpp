@@ -47,17 +47,33 @@ Installation installationFrom(const QCommandLineParser& parser)
         throw CommandFailure(ExitUsage, "--application and --version are needed");
     }
     Installation installation;
-    OfferCriteria& criteria = installation.criteria;
-    criteria.applicationName = parser.value("application");
-    criteria.versionNumber = releaseNumber(parser.value("version"));
-    criteria.supportedPlatforms = splitWordList(parser.value("platforms"));
-    criteria.supportedPackageTypes = splitWordList(parser.value("types"));
+    installation.criteria = defaultCriteria();
+    replaceInstallation(installation.criteria, parser);
+    installation.label = installation.criteria.applicationName + ' ' + parser.value("version");
+    return installation;
+}
+
+void replaceInstallation(OfferCriteria& criteria, const QCommandLineParser& parser)
+{
+    if (parser.isSet("application")) {
+        criteria.applicationName = parser.value("application");
+    }
+    if (parser.isSet("version")) {
+        criteria.versionNumber = releaseNumber(parser.value("version"));
+    }
+    if (parser.isSet("platforms")) {
+        criteria.supportedPlatforms = splitWordList(parser.value("platforms"));
+    }
+    if (parser.isSet("types")) {
+        criteria.supportedPackageTypes = splitWordList(parser.value("types"));
+    }
+    if (parser.isSet("camera")) {
+        criteria.currentCameraVersions.clear();
+    }
     for (const QString& camera : parser.values("camera")) {
         criteria.currentCameraVersions.append(cameraFromText(camera, ExitUsage));
     }
-    criteria.checkForBeta = parser.isSet("beta");
-    installation.label = criteria.applicationName + ' ' + parser.value("version");
-    return installation;
+    criteria.checkForBeta = criteria.checkForBeta || parser.isSet("beta");
 }
 
 } // namespace vx

@@ -35,6 +35,9 @@ void declareInstallation(QCommandLineParser& parser);
 /** The installation that the options describe. @throws CommandFailure with ExitUsage */
 Installation installationFrom(const QCommandLineParser& parser);
 
+/** Puts in place of what @p criteria says what the options say, as far as they are given. */
+void replaceInstallation(OfferCriteria& criteria, const QCommandLineParser& parser);
+
 /**
  * Reads a list of installations: comma-separated values (RFC 4180, UTF-8) with a header line. The
  * columns are found by their names: name, version, platforms, cameras and, if wanted, beta, types,

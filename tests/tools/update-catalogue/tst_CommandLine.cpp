@@ -80,6 +80,8 @@ void CommandLineTest::misuse_data()
     QTest::newRow("no version") << QStringList{"explain", "-", "--application", "App"};
     QTest::newRow("no camera") << QStringList{"explain",   "-", "--application", "App",
                                               "--version", "1", "--camera",      "CAM-1"};
+    QTest::newRow("nothing to explain") << QStringList{"explain", "--application", "App"};
+    QTest::newRow("log without an application") << QStringList{"explain", "-", "--log", "a.log"};
     QTest::newRow("no installations") << QStringList{"matrix", "-"};
     QTest::newRow("one catalogue") << QStringList{"diff", "-", "--installations", "x.csv"};
     QTest::newRow("no such gate") << QStringList{"diff",  "-",         "-",   "--installations",
@@ -212,6 +214,12 @@ void CommandLineTest::unreadable_data()
     QTest::newRow("refused") << QStringList{"lint", "http://127.0.0.1:1/"};
     QTest::newRow("no XML") << (QStringList{"explain", "-"} + app);
     QTest::newRow("no installations") << QStringList{"matrix", "-", "--installations", "none.csv"};
+    QTest::newRow("no store") << QStringList{"explain", "--store", "missing.conf"};
+    QTest::newRow("folder for a store") << QStringList{"explain", "--store", "."};
+    QTest::newRow("device for a store") << QStringList{"explain", "--store", "/dev/zero"};
+    QTest::newRow("no log") << QStringList{"explain", "--log", "missing.log"};
+    QTest::newRow("folder for a log") << QStringList{"explain", "--log", "."};
+    QTest::newRow("device for a log") << QStringList{"explain", "--log", "/dev/zero"};
     QTest::newRow("no folder") << QStringList{"serve", "missing"};
     QTest::newRow("no XML to hash") << QStringList{"hash", "-", "--files", "."};
     QTest::newRow("no folder of files") << QStringList{"hash", "-", "--files", "missing"};

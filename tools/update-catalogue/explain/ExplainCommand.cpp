@@ -1,13 +1,13 @@
-#include <QJsonArray>
 #include <QJsonObject>
 
-#include "client/internal/ForeignLanguageRows.h"
-#include "client/internal/PackageTable.h"
+#include <optional>
+
 #include "tools/update-catalogue/Commands.h"
 #include "tools/update-catalogue/Installation.h"
 #include "tools/update-catalogue/ParsedCatalogue.h"
-#include "tools/update-catalogue/explain/Explanation.h"
-#include "tools/update-catalogue/signing/SignedView.h"
+#include "tools/update-catalogue/explain/CheckLogText.h"
+#include "tools/update-catalogue/explain/ExplanationOutput.h"
+#include "tools/update-catalogue/explain/UserStore.h"
 
 namespace vx {
 
@@ -20,22 +20,12 @@ void declare(QCommandLineParser& parser)
     parser.addOption(
         {"language", "The system's language, for the rows that it hides.", "CODE", "en"});
     declareKeys(parser);
+    parser.addOption({"store",
+                      "A user's settings store, in place of --application and the others; one "
+                      "that is given as well counts.",
+                      "FILE"});
+    parser.addOption({"log", "A user's log: tells what its last check did.", "FILE"});
     parser.addOption({"package", "Only packages whose name or release holds this.", "TEXT"});
-}
-
-QString outcomeName(Verdict::Outcome outcome)
-{
-    switch (outcome) {
-    case Verdict::Refused:
-        return "refused";
-    case Verdict::Superseded:
-        return "superseded";
-    case Verdict::Duplicate:
-        return "duplicate";
-    case Verdict::Offered:
-        break;
-    }
-    return "offered";
 }
 
 bool isWanted(const PackageInfo& package, const QString& text)
@@ -70,125 +60,112 @@ bool offersAnything(const Explanation& explanation)
     return false;
 }
 
-void printTarget(const TargetExplanation& target, const ParsedCatalogue& catalogue,
-                 Terminal& terminal)
+/** What was given, apart from the catalogue. */
+struct Given
 {
-    const QString title = QString("%1 %2 %3")
-                              .arg(target.kind == "camera" ? "Camera" : "Application", target.name,
-                                   target.installedVersion);
-    terminal.line(terminal.coloured(title, Terminal::Bold));
-    for (const Verdict& verdict : target.verdicts) {
-        const bool offered = verdict.outcome == Verdict::Offered;
-        const QString outcome = QString("%1").arg(outcomeName(verdict.outcome), -10);
-        const QString label = QString("%1 (line %2)")
-                                  .arg(packageLabel(catalogue.packages.at(verdict.package)))
-                                  .arg(catalogue.positions.at(verdict.package).line);
-        terminal.line(
-            QString("  %1 %2%3")
-                .arg(terminal.coloured(outcome, offered ? Terminal::Green : Terminal::Yellow),
-                     label, offered ? QString() : ": " + verdict.sentence));
+    std::optional<UserStore> store;
+    std::optional<CheckLog> log;
+
+    QDateTime lastCheck() const { return store ? store->settings.lastCheck : QDateTime(); }
+};
+
+Given givenBy(const QCommandLineParser& parser)
+{
+    Given given;
+    if (parser.isSet("store")) {
+        given.store = readUserStore(parser.value("store"));
     }
-    if (target.verdicts.isEmpty()) {
-        terminal.line("  no package");
+    if (parser.isSet("log")) {
+        given.log = readCheckLog(parser.value("log"));
+    }
+    return given;
+}
+
+void checkUsage(const QCommandLineParser& parser)
+{
+    const int catalogues = parser.positionalArguments().size();
+    const bool isEnough = parser.isSet("store") || parser.isSet("log");
+    if (catalogues > 1 || (catalogues == 0 && !isEnough)) {
+        throw CommandFailure(ExitUsage, "explain takes one catalogue, or --store or --log");
+    }
+    if (catalogues == 1 && !parser.isSet("store") &&
+        !(parser.isSet("application") && parser.isSet("version"))) {
+        throw CommandFailure(ExitUsage, "--application and --version, or --store, are needed");
     }
 }
 
-void printRows(const PackageInfoList& rows, const QString& language, const SignedView& view,
-               Terminal& terminal)
+/** The installation of the store; what an option says counts in place of it. */
+OfferCriteria storedCriteria(const QCommandLineParser& parser, const UserStore& store)
 {
-    terminal.line(terminal.coloured("Rows of the dialog", Terminal::Bold));
-    const QList<int> hidden = foreignLanguageRows(rows, language);
-    for (int row = 0; row < rows.size(); ++row) {
-        const QString remark = view.remark(rows.at(row));
-        const QString cells = packageTableRow(rows.at(row)).join(" | ") +
-                              (remark.isEmpty() ? QString() : QString(" (%1)").arg(remark));
-        terminal.line(
-            hidden.contains(row)
-                ? terminal.coloured(QString("  %1 (hidden in \"%2\")").arg(cells, language),
-                                    Terminal::Dim)
-                : "  " + cells);
-    }
-    if (!view.isAccepted()) {
-        terminal.line(QString("  none: the user reads \"%1\"").arg(view.userText()));
-    } else if (rows.isEmpty()) {
-        terminal.line("  none: the user reads \"Congratulations! Your product is up-to-date!\"");
-    }
+    OfferCriteria criteria = criteriaFrom(store.settings, store.applicationName());
+    replaceInstallation(criteria, parser);
+    return criteria;
 }
 
-QJsonObject toJson(const Verdict& verdict, const ParsedCatalogue& catalogue)
+/** Explains the catalogue that is named. @return whether it offers anything */
+bool explainCatalogue(const QCommandLineParser& parser, const OfferCriteria& criteria,
+                      QJsonObject& object, Terminal& terminal)
 {
-    const PackageInfo& package = catalogue.packages.at(verdict.package);
-    return {{"package", verdict.package},
-            {"label", packageLabel(package)},
-            {"line", catalogue.positions.at(verdict.package).line},
-            {"outcome", outcomeName(verdict.outcome)},
-            {"test", refusalName(verdict.refusal)},
-            {"actual", verdict.actual},
-            {"required", verdict.required},
-            {"message", verdict.sentence}};
-}
-
-QJsonArray rowsToJson(const PackageInfoList& rows, const QString& language, const SignedView& view)
-{
-    const QList<int> hidden = foreignLanguageRows(rows, language);
-    QJsonArray list;
-    for (int row = 0; row < rows.size(); ++row) {
-        QJsonObject object{{"cells", QJsonArray::fromStringList(packageTableRow(rows.at(row)))},
-                           {"url", rows.at(row).url.toString()},
-                           {"type", rows.at(row).type},
-                           {"hidden", hidden.contains(row)}};
-        if (view.isRequired()) {
-            object.insert("remark", view.remark(rows.at(row)));
-        }
-        list.append(object);
-    }
-    return list;
-}
-
-QJsonDocument toJson(const Explanation& explanation, const ParsedCatalogue& catalogue,
-                     const QString& language, const SignedView& view)
-{
-    QJsonArray targets;
-    for (const TargetExplanation& target : explanation.targets) {
-        QJsonArray verdicts;
-        for (const Verdict& verdict : target.verdicts) {
-            verdicts.append(toJson(verdict, catalogue));
-        }
-        targets.append(QJsonObject{{"kind", target.kind},
-                                   {"name", target.name},
-                                   {"installed", target.installedVersion},
-                                   {"packages", verdicts}});
-    }
-    QJsonObject object{{"targets", targets},
-                       {"rows", rowsToJson(explanation.rows, language, view)}};
-    view.addToJson(object);
-    return QJsonDocument(object);
-}
-
-ExitCode run(const QCommandLineParser& parser, Terminal& terminal)
-{
-    if (parser.positionalArguments().size() != 1) {
-        throw CommandFailure(ExitUsage, "explain takes one catalogue");
-    }
-    const Installation installation = installationFrom(parser);
     const PublicKeys keys = keysFrom(parser);
     const CatalogueSource source = readCatalogue(parser.positionalArguments().first());
     const ParsedCatalogue catalogue = parseCatalogue(source);
     const SignedView view(source, catalogue, keys);
-    Explanation explanation = explain(view.packages(), installation.criteria);
+    Explanation explanation = explain(view.packages(), criteria);
     narrow(explanation, catalogue, parser.value("package"));
-
-    const QString language = parser.value("language");
     if (parser.isSet("json")) {
-        terminal.json(toJson(explanation, catalogue, language, view));
+        addExplanation(object, explanation, catalogue, parser.value("language"), view);
     } else {
-        view.printRefusal(terminal);
-        for (const TargetExplanation& target : explanation.targets) {
-            printTarget(target, catalogue, terminal);
-        }
-        printRows(explanation.rows, language, view, terminal);
+        printExplanation(explanation, catalogue, parser.value("language"), view, terminal);
     }
-    return offersAnything(explanation) ? ExitFine : ExitFindings;
+    return offersAnything(explanation);
+}
+
+void printGiven(const Given& given, const QString& applicationName, Terminal& terminal)
+{
+    if (given.store) {
+        printFacts("Settings " + given.store->path, storeFacts(*given.store, applicationName),
+                   terminal);
+    }
+    if (given.log) {
+        printFacts("Log " + given.log->path, logFacts(*given.log, given.lastCheck()), terminal);
+    }
+}
+
+QJsonObject toJson(const Given& given, const QString& applicationName)
+{
+    QJsonObject object;
+    if (given.store) {
+        object.insert("store", storeToJson(*given.store, applicationName));
+    }
+    if (given.log) {
+        object.insert("log", logToJson(*given.log, given.lastCheck()));
+    }
+    return object;
+}
+
+ExitCode run(const QCommandLineParser& parser, Terminal& terminal)
+{
+    checkUsage(parser);
+    const Given given = givenBy(parser);
+    const bool hasCatalogue = !parser.positionalArguments().isEmpty();
+    OfferCriteria criteria;
+    if (given.store) {
+        criteria = storedCriteria(parser, *given.store);
+    } else if (hasCatalogue) {
+        criteria = installationFrom(parser).criteria;
+    }
+    QJsonObject object = toJson(given, criteria.applicationName);
+    if (!parser.isSet("json")) {
+        printGiven(given, criteria.applicationName, terminal);
+    }
+    bool isFine = !given.log || cameToVerdict(*given.log);
+    if (hasCatalogue) {
+        isFine = explainCatalogue(parser, criteria, object, terminal) && isFine;
+    }
+    if (parser.isSet("json")) {
+        terminal.json(QJsonDocument(object));
+    }
+    return isFine ? ExitFine : ExitFindings;
 }
 
 } // namespace
