@@ -11,7 +11,7 @@
 #include <string>
 #include <zlib.h>
 
-#include "host/FileFormatsZip/internal/read/Inflater.h"
+#include "host/FileFormatsZip/internal/read/ContentReader.h"
 
 namespace {
 

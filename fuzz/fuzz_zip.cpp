@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -22,10 +23,8 @@
 #include "host/CoreQt/IOException.h"
 #include "host/FileFormatsZip/ZipReader.h"
 #include "host/FileFormatsZip/internal/plan/ExtractionPlan.h"
-#include "host/FileFormatsZip/internal/plan/LinkRules.h"
 #include "host/FileFormatsZip/internal/read/Archive.h"
 #include "host/FileFormatsZip/internal/read/ContentReader.h"
-#include "host/FileFormatsZip/internal/write/TargetFolder.h"
 
 namespace {
 
@@ -77,16 +76,17 @@ struct ReadEntry
 
 /** Everything in the archive if it may be unpacked; nothing if that is large. Throws IOException.
  */
-std::vector<ReadEntry> readAll(const QString& path, const vx::TargetFolder& target)
+std::vector<ReadEntry> readAll(const QString& path, const vx::FileDescriptor& target)
 {
     const vx::Archive archive(path, never);
-    vx::EntrySelection all;
+    std::vector<const vx::ArchiveEntry*> all;
     qint64 bytes = 0;
-    for (const vx::ArchiveEntry& entry : archive.index()) {
+    for (const vx::ArchiveEntry& entry : archive.entries()) {
         all.push_back(&entry);
-        bytes += std::min(entry.content.size, mostBytes);
+        bytes += std::min(entry.size, mostBytes);
     }
-    const vx::ExtractionPlan plan(all, false, never);
+    vx::ExtractionPlan plan;
+    plan.add(all, false, never);
     vx::requireLinksInside(plan, target, never);
     std::vector<ReadEntry> entries;
     if (bytes > mostBytes) {
@@ -96,7 +96,7 @@ std::vector<ReadEntry> readAll(const QString& path, const vx::TargetFolder& targ
     for (const vx::ArchiveEntry* const entry : all) {
         ReadEntry read = {entry->name, entry->kind == vx::ArchiveEntry::File, {}};
         if (read.isFile) {
-            reader.begin(entry->content, entry->name);
+            reader.begin(*entry);
             for (vx::ByteView piece = reader.next(); !piece.empty(); piece = reader.next()) {
                 read.content += piece;
             }
@@ -162,7 +162,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     static const InputFile input;
     static const QTemporaryDir scratch;
-    static const vx::TargetFolder empty(scratch.path());
+    static const vx::FileDescriptor empty(
+        ::open(QFile::encodeName(scratch.path()).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     static unsigned inputs = 0;
     input.fill(data, size);
     const vx::fuzz::SeenArchive seen =

@@ -17,10 +17,9 @@ namespace vx {
  * on that thread by exactly one of its two signals. Its rules for what it writes are those of
  * ZipReader::extractFiles().
  *
- * The object may be destroyed at any time. A job that is still running is then cancelled, what it
- * has unpacked is removed, and nothing is reported. The destructor waits for that for 30 ms at
- * most; what takes longer goes on behind it, and the end of the application waits for it. That end
- * cancels a running job in the same way.
+ * The object may be destroyed at any time. A running job is then cancelled, what it has unpacked is
+ * removed, and nothing is reported. The destructor waits for that for 30 ms at most; what takes
+ * longer goes on behind it. The end of the application cancels in the same way, and waits.
  */
 class VX_FILEFORMATSZIP_EXPORT Unzipper : public QObject
 {
@@ -28,21 +27,15 @@ class VX_FILEFORMATSZIP_EXPORT Unzipper : public QObject
 
 public:
     /**
-     * A job that unpacks @p zipFile into @p targetFolder.
-     *
-     * @param zipFile      path of the archive; it is read when the job starts, and not changed.
-     * @param targetFolder created if it does not exist; the folder above it must exist.
-     * @param flat         false keeps the folders of the archive; true puts every file directly
-     *                     into @p targetFolder, and makes no folders.
+     * A job that unpacks the archive at @p zipFile, which is read when the job starts, and not
+     * changed. @p targetFolder and @p flat are those of ZipReader::extractFiles().
      */
     Unzipper(const QString& zipFile, const QString& targetFolder, bool flat);
     ~Unzipper() override;
 
     /**
-     * Deletes the archive from disk. Meant for the receiver of unzippingDone(); a job that is
-     * running is not disturbed on systems that keep an open file readable.
-     *
-     * @return whether the archive is gone. That it did not exist counts as false.
+     * Deletes the archive from disk. Meant for the receiver of unzippingDone(); a running job is
+     * not disturbed where an open file stays readable. False if there was nothing to delete, too.
      */
     bool removeZipFile();
 

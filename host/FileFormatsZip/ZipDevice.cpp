@@ -5,18 +5,8 @@
 
 namespace vx {
 
-namespace {
-
 // A QProgressDialog counts in int, which bytes overflow at 2 GiB.
-constexpr int steps = 1000;
-
-int stepOf(qint64 done, qint64 total)
-{
-    const double share = total > 0 ? static_cast<double>(done) / static_cast<double>(total) : 0;
-    return static_cast<int>(share * (steps - 1));
-}
-
-} // namespace
+static constexpr int steps = 1000;
 
 ZipDevice::ZipDevice(const QString& path, QObject* parent)
     : QObject(parent)
@@ -56,8 +46,9 @@ void ZipDevice::showProgress(qint64 done, qint64 total)
     const QPointer<ZipDevice> self(this);
     // A new value would show a cancelled dialog again.
     if (m_dialog && !wasCanceled()) {
+        const double share = total > 0 ? static_cast<double>(done) / static_cast<double>(total) : 0;
         // One step is kept back for endProgress(): a full dialog closes itself.
-        m_dialog->setValue(stepOf(done, total));
+        m_dialog->setValue(static_cast<int>(share * (steps - 1)));
     }
     // A modal dialog processes events by itself when its value is set.
     if (!self) {

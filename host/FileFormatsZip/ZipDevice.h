@@ -12,10 +12,8 @@ namespace vx {
 
 /**
  * What every device on a ZIP archive has in common: the path of the archive, and a progress dialog
- * that the device drives while it works.
- *
- * Failures are reported as vx::IOException and as no other type. A device belongs to one thread;
- * with a dialog attached that is the GUI thread.
+ * that the device drives while it works. Failures are reported as vx::IOException and as no other
+ * type. A device belongs to one thread; with a dialog attached that is the GUI thread.
  */
 class VX_FILEFORMATSZIP_EXPORT ZipDevice : public QObject
 {
@@ -50,7 +48,7 @@ protected:
     /** Whether there is a dialog to drive. */
     bool hasProgressDialog() const { return !m_dialog.isNull(); }
 
-    /** Sets the dialog's range, and its value to the beginning. */
+    /** Sets the dialog's range and its value to the beginning. */
     void beginProgress();
 
     /**

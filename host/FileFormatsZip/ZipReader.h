@@ -10,22 +10,16 @@
 
 namespace vx {
 
-class BackgroundTask;
-struct ExtractionState;
-
 /**
- * Reads a ZIP archive, synchronously: every operation returns when it is done.
- *
- * Stored and deflated entries, Zip64 and archives with something in front of them (self-extracting
- * ones) are read. Names are taken as UTF-8 if they are valid UTF-8 and as code page 437 otherwise,
- * whatever the locale of the process.
+ * Reads a ZIP archive, synchronously: every operation returns when it is done. Stored and deflated
+ * entries, Zip64 and archives with something in front of them (self-extracting ones) are read.
+ * Names are taken as UTF-8 if they are valid UTF-8 and as code page 437 otherwise, whatever the
+ * locale of the process.
  *
  * @code
  * ZipReader reader(path, nullptr);
- * reader.attachProgressDialog(&dialog);
  * reader.open(QIODevice::ReadOnly);
  * reader.extractFiles(reader.fileList(QRegExp()), folder, false);
- * if (reader.wasCanceled()) ...
  * @endcode
  */
 class VX_FILEFORMATSZIP_EXPORT ZipReader : public ZipDevice
@@ -38,11 +32,8 @@ public:
     ~ZipReader() override;
 
     /**
-     * Opens the archive and reads its directory. Throws nothing.
-     *
-     * @param mode must be QIODevice::ReadOnly; everything else fails.
-     * @return whether the archive can be read. The reason of a failure is kept, and thrown by
-     *         extractFiles(), so that a caller need not look at the result.
+     * Opens the archive and reads its directory. Any @p mode but QIODevice::ReadOnly fails. Throws
+     * nothing: a caller need not look at the result, for extractFiles() throws the reason.
      */
     bool open(QIODevice::OpenMode mode);
 
@@ -51,10 +42,7 @@ public:
 
     /**
      * The names of the entries in which @p pattern occurs, in the order of their data in the
-     * archive. Folders end in "/". An empty pattern lists all. To match whole names, anchor the
-     * pattern.
-     *
-     * A reader that is not open or whose archive is broken gives an empty list.
+     * archive; all for an empty pattern, and none if the reader is not open. Folders end in "/".
      */
     QStringList fileList(const QRegExp& pattern) const;
 
@@ -73,19 +61,15 @@ public:
      * A dialog's events may destroy the reader: the work then ends as if it was cancelled, and the
      * call throws.
      *
-     * @param names        entries as fileList() gives them. An unknown name is a failure; an empty
-     *                     list unpacks nothing.
+     * @param names        entries as fileList() gives them. An unknown name is a failure.
      * @param targetFolder created if it does not exist; the folder above it must exist.
-     * @param flat         false keeps the folders of the archive; true puts every file directly
-     *                     into @p targetFolder, and makes no folders.
+     * @param flat         puts every file directly into @p targetFolder, and makes no folders.
      * @throws IOException whose message names the reason in plain words. What the call has unpacked
      *                     is removed again; what was in the folder before stays.
      */
     void extractFiles(const QStringList& names, const QString& targetFolder, bool flat);
 
 private:
-    void watch(BackgroundTask& task, ExtractionState& state);
-
     class Private;
     std::unique_ptr<Private> d;
 };

@@ -2,14 +2,11 @@
 
 #include <QCoreApplication>
 
-#include <algorithm>
 #include <chrono>
-#include <condition_variable>
 #include <csignal>
+#include <list>
 #include <new>
-#include <system_error>
 #include <utility>
-#include <vector>
 
 #include "host/CoreQt/ExceptionQt.h"
 
@@ -18,20 +15,15 @@ namespace vx {
 namespace {
 
 // Long enough for nearly all jobs to end in order, and too short to be felt.
-constexpr int patienceMilliseconds = 30;
+constexpr std::chrono::milliseconds patience(30);
 
-void blockSignals()
-{
-    sigset_t all;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, nullptr);
-}
-
-/** The text of the exception that is being handled. */
-QString currentReason()
+/** Why @p work failed, or nothing if it did not. */
+template <typename Work>
+QString reasonOf(Work&& work)
 {
     try {
-        throw;
+        work();
+        return {};
     } catch (const ExceptionQt& exception) {
         return exception.message();
     } catch (const std::bad_alloc&) {
@@ -42,171 +34,90 @@ QString currentReason()
     }
 }
 
-} // namespace
-
-/** What outlives the task if the thread does. */
-struct BackgroundTask::Shared
-{
-    std::mutex mutex; ///< guards all that follows
-    std::condition_variable changed;
-    bool isStarted = false;
-    bool isEnded = false;
-    bool isGone = false; ///< the thread touches nothing any more but itself
-    QString failure;
-    std::function<void()> whenEnded;
-
-    void end(const QString& reason)
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        failure = reason;
-        isEnded = true;
-        if (whenEnded) {
-            whenEnded();
-        }
-        changed.notify_all();
-    }
-
-    void run(Work& work)
-    {
-        std::shared_ptr<void> leftover;
-        QString reason;
-        try {
-            leftover = work();
-        } catch (...) {
-            reason = currentReason();
-        }
-        end(reason);
-        leftover.reset();
-        work = nullptr;
-        const std::lock_guard<std::mutex> lock(mutex);
-        isGone = true;
-        changed.notify_all();
-    }
-};
-
-namespace {
-
-/** Threads whose task is gone. The code that they run must not be unloaded under them. */
+/** Threads whose task is gone, waited for before the code that they run can be unloaded. */
 class LateThreads
 {
 public:
-    ~LateThreads() { join(); }
+    ~LateThreads() { qRemovePostRoutine(join); }
 
-    /** @p running expires at the end of the thread. */
-    void add(std::thread thread, std::weak_ptr<void> running)
+    static void add(std::future<void> thread)
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        if (m_threads.empty()) {
-            qAddPostRoutine([] { instance().join(); });
-        }
-        for (Late& late : m_threads) {
-            if (late.running.expired()) {
-                late.thread.join();
-            }
-        }
-        m_threads.erase(std::remove_if(m_threads.begin(), m_threads.end(),
-                                       [](const Late& late) { return !late.thread.joinable(); }),
-                        m_threads.end());
-        m_threads.push_back({std::move(thread), std::move(running)});
-    }
-
-    void join()
-    {
-        std::vector<Late> threads;
-        {
-            const std::lock_guard<std::mutex> lock(m_mutex);
-            threads.swap(m_threads);
-        }
-        for (Late& late : threads) {
-            late.thread.join();
-        }
-    }
-
-    static LateThreads& instance()
-    {
-        static LateThreads threads;
-        return threads;
+        const std::lock_guard<std::mutex> lock(all.m_mutex);
+        qRemovePostRoutine(join);
+        qAddPostRoutine(join);
+        all.m_threads.remove_if([](const std::future<void>& late) {
+            return late.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+        });
+        all.m_threads.push_back(std::move(thread));
     }
 
 private:
-    struct Late
+    static void join()
     {
-        std::thread thread;
-        std::weak_ptr<void> running;
-    };
+        std::list<std::future<void>> threads;
+        const std::lock_guard<std::mutex> lock(all.m_mutex);
+        threads.swap(all.m_threads);
+    }
+
+    static LateThreads all;
 
     std::mutex m_mutex; ///< guards the threads
-    std::vector<Late> m_threads;
+    std::list<std::future<void>> m_threads;
 };
+
+LateThreads LateThreads::all;
 
 } // namespace
 
-BackgroundTask::BackgroundTask()
-    : m_shared(std::make_shared<Shared>())
-{}
+void BackgroundTask::Shared::end(const QString& reason)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    failure.set_value(reason);
+    if (whenEnded) {
+        whenEnded();
+    }
+}
 
 BackgroundTask::~BackgroundTask()
 {
-    const std::lock_guard<std::mutex> threadLock(m_threadMutex);
-    if (!m_thread.joinable()) {
-        return;
-    }
-    std::unique_lock<std::mutex> lock(m_shared->mutex);
-    m_shared->whenEnded = nullptr;
-    const bool isGone = m_shared->changed.wait_for(
-        lock, std::chrono::milliseconds(patienceMilliseconds), [this] { return m_shared->isGone; });
-    lock.unlock();
-    if (isGone) {
-        m_thread.join();
-    } else {
-        LateThreads::instance().add(std::move(m_thread), m_shared);
-    }
-}
-
-void BackgroundTask::start(Work work, std::function<void()> whenEnded)
-{
-    const std::lock_guard<std::mutex> threadLock(m_threadMutex);
     {
         const std::lock_guard<std::mutex> lock(m_shared->mutex);
-        m_shared->isStarted = true;
-        m_shared->whenEnded = std::move(whenEnded);
+        m_shared->whenEnded = nullptr;
     }
-    try {
-        m_thread = std::thread([shared = m_shared, work = std::move(work)]() mutable {
-            blockSignals();
-            shared->run(work);
-        });
-    } catch (const std::system_error&) {
-        m_shared->end(currentReason());
+    const std::lock_guard<std::mutex> lock(m_threadMutex);
+    if (m_thread.valid() && m_thread.wait_for(patience) != std::future_status::ready) {
+        LateThreads::add(std::move(m_thread));
     }
 }
 
-bool BackgroundTask::waitFor(int milliseconds)
+void BackgroundTask::start(std::function<void()> work, std::function<void()> whenEnded)
 {
-    std::unique_lock<std::mutex> lock(m_shared->mutex);
-    return m_shared->changed.wait_for(lock, std::chrono::milliseconds(milliseconds),
-                                      [this] { return m_shared->isEnded; });
+    const std::lock_guard<std::mutex> lock(m_threadMutex);
+    m_shared->whenEnded = std::move(whenEnded);
+    const QString reason = reasonOf([&] {
+        m_thread =
+            std::async(std::launch::async, [shared = m_shared, work = std::move(work)]() mutable {
+                sigset_t all;
+                sigfillset(&all);
+                pthread_sigmask(SIG_SETMASK, &all, nullptr);
+                shared->end(reasonOf(work));
+                work = nullptr;
+            });
+    });
+    if (!reason.isEmpty()) {
+        m_shared->end(reason);
+    }
 }
 
-void BackgroundTask::wait()
+bool BackgroundTask::waitFor(int milliseconds) const
 {
-    std::unique_lock<std::mutex> lock(m_shared->mutex);
-    m_shared->changed.wait(lock, [this] { return m_shared->isEnded || !m_shared->isStarted; });
+    return m_failure.wait_for(std::chrono::milliseconds(milliseconds)) == std::future_status::ready;
 }
 
 void BackgroundTask::finish()
 {
-    const std::lock_guard<std::mutex> threadLock(m_threadMutex);
-    if (m_thread.joinable()) {
-        m_thread.join();
-    }
-}
-
-QString BackgroundTask::failure()
-{
-    wait();
-    const std::lock_guard<std::mutex> lock(m_shared->mutex);
-    return m_shared->failure;
+    const std::lock_guard<std::mutex> lock(m_threadMutex);
+    m_thread = {};
 }
 
 } // namespace vx

@@ -3,9 +3,9 @@
 #include <QString>
 
 #include <functional>
+#include <future>
 #include <memory>
 #include <mutex>
-#include <thread>
 
 namespace vx {
 
@@ -17,17 +17,12 @@ namespace vx {
 class BackgroundTask
 {
 public:
-    /**
-     * The function. What it returns is destroyed when the task has ended already, so that nobody
-     * waits for large things to be given back.
-     */
-    using Work = std::function<std::shared_ptr<void>()>;
+    BackgroundTask() = default;
 
-    BackgroundTask();
     /**
-     * Waits for the end of the function, but not for long: a thread that has more to do, such as
-     * removing what was unpacked, does it behind the object's back. The function must own what it
-     * uses by then. Before the application or the library goes, such threads are waited for.
+     * Waits for the end of the thread, but not for long: what takes longer, such as removing what
+     * was unpacked, goes on behind the object's back. The function must own what it uses by then.
+     * Before the application or the library goes, such threads are waited for.
      */
     ~BackgroundTask();
     BackgroundTask(const BackgroundTask&) = delete;
@@ -35,29 +30,36 @@ public:
 
     /**
      * Starts @p work; to be called once. When it has ended, and if the object is still there,
-     * @p whenEnded is called on the same thread. If no thread is to be had, the task ends at once
-     * with a failure, and @p whenEnded is called on the caller's thread.
+     * @p whenEnded is called on the same thread. What @p work owns is destroyed only then, so that
+     * nobody waits for large things to be given back. If no thread is to be had, the task ends at
+     * once with a failure, and @p whenEnded is called on the caller's thread.
      */
-    void start(Work work, std::function<void()> whenEnded = {});
+    void start(std::function<void()> work, std::function<void()> whenEnded = {});
 
-    /** Waits for the end, for at most @p milliseconds. Gives whether the end is reached. */
-    bool waitFor(int milliseconds);
+    /** Waits for the end of the started work, for at most @p milliseconds; whether it is there. */
+    bool waitFor(int milliseconds) const;
 
-    /** Waits for the end; of a task that has not started, there is none. */
-    void wait();
+    /** Waits for the end of the started work. Gives why it failed, or nothing if it did not. */
+    QString failure() const { return m_failure.get(); }
 
-    /** The same, until nothing of the task runs any more. Any thread may call it. */
+    /** Waits until nothing of the task runs any more. Any thread may call it. */
     void finish();
 
-    /** Waits for the end, and gives why the work failed, or nothing if it did not. */
-    QString failure();
-
 private:
-    struct Shared;
+    /** What outlives the task if the thread does. */
+    struct Shared
+    {
+        std::promise<QString> failure;
+        std::mutex mutex; ///< guards what follows
+        std::function<void()> whenEnded;
 
-    std::shared_ptr<Shared> m_shared;
-    std::mutex m_threadMutex; ///< guards the thread against being joined twice
-    std::thread m_thread;
+        void end(const QString& reason);
+    };
+
+    const std::shared_ptr<Shared> m_shared = std::make_shared<Shared>();
+    const std::shared_future<QString> m_failure = m_shared->failure.get_future();
+    std::mutex m_threadMutex;   ///< guards what follows
+    std::future<void> m_thread; ///< of std::async: joins the thread when it is destroyed
 };
 
 } // namespace vx

@@ -6,12 +6,6 @@
 
 namespace vx {
 
-namespace {
-
-constexpr int shownCharacters = 120;
-
-} // namespace
-
 void fail(const QString& reason)
 {
     throw IOException(reason, nullptr);
@@ -19,18 +13,17 @@ void fail(const QString& reason)
 
 void failWithErrno(const QString& action, int code)
 {
-    switch (code) {
-    case ENOSPC:
-    case EDQUOT:
+    if (code == ENOMEM) {
+        fail(QStringLiteral("There is not enough memory to unpack the archive."));
+    }
+    if (code == ENOSPC || code == EDQUOT) {
         fail(QStringLiteral("The disk is full: cannot %1.").arg(action));
-    case EFBIG:
+    }
+    if (code == EFBIG) {
         fail(QStringLiteral("A file would be larger than the system allows: cannot %1.")
                  .arg(action));
-    case ENOMEM:
-        fail(QStringLiteral("There is not enough memory to unpack the archive."));
-    default:
-        fail(QStringLiteral("Cannot %1: %2.").arg(action, qt_error_string(code)));
     }
+    fail(QStringLiteral("Cannot %1: %2.").arg(action, qt_error_string(code)));
 }
 
 void failAsDamaged(const QString& detail)
@@ -38,17 +31,18 @@ void failAsDamaged(const QString& detail)
     fail(QStringLiteral("The archive is damaged or incomplete (%1).").arg(detail));
 }
 
-void refuse(const QString& name, const QString& flaw)
+void refuse(const QString& name, const char* flaw)
 {
-    fail(QStringLiteral("The archive is refused: %1 %2.").arg(quoted(name), flaw));
+    fail(QStringLiteral("The archive is refused: %1 %2.").arg(quoted(name), QLatin1String(flaw)));
 }
 
 QString quoted(const QString& name)
 {
+    constexpr int shownCharacters = 120;
     QString shown = name;
     if (shown.size() > shownCharacters) {
-        const int half = shownCharacters / 2;
-        shown = shown.left(half) + QStringLiteral("...") + shown.right(half);
+        shown = shown.left(shownCharacters / 2) + QStringLiteral("...") +
+                shown.right(shownCharacters / 2);
     }
     for (QChar& c : shown) {
         if (!c.isPrint() && !c.isSurrogate()) {

@@ -2,25 +2,36 @@
 
 #include <QString>
 
+#include <atomic>
+
 namespace vx {
 
-/** Throws an IOException with @p reason, a sentence for the user. */
+/** Thrown where work notices that it was cancelled. That is no failure, and has no reason. */
+struct Canceled
+{
+};
+
+/** Throws Canceled if @p canceled is set. */
+inline void requireNotCanceled(const std::atomic<bool>& canceled)
+{
+    if (canceled) {
+        throw Canceled();
+    }
+}
+
+// All that follow throw an IOException.
+
+/** For @p reason, a sentence for the user. */
 [[noreturn]] void fail(const QString& reason);
 
-/**
- * Throws an IOException that says that @p action, as in "create 'a.txt'", is not possible and why.
- * @p code is an errno. A full disk and a lack of memory get sentences of their own.
- */
+/** For an @p action, as in "create 'a.txt'", that the system refused with the errno @p code. */
 [[noreturn]] void failWithErrno(const QString& action, int code);
 
-/** Throws an IOException that says that the archive is damaged and, in brackets, @p detail. */
+/** For a damaged archive; @p detail goes in brackets. */
 [[noreturn]] void failAsDamaged(const QString& detail);
 
-/**
- * Throws an IOException that says that the archive is refused because its entry @p name has the
- * given @p flaw, as in "has an absolute name".
- */
-[[noreturn]] void refuse(const QString& name, const QString& flaw);
+/** For an archive whose entry @p name has a @p flaw, as in "has an absolute name". */
+[[noreturn]] void refuse(const QString& name, const char* flaw);
 
 /** @p name in quotes, fit to be shown: without control characters, and shortened in its middle. */
 QString quoted(const QString& name);

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/FileFormatsZip/internal/read/Inflater.h"
+#include "host/FileFormatsZip/internal/read/ContentReader.h"
 #include "tests/support/TestMain.h"
 #include "tests/support/ZipBuilder.h"
 

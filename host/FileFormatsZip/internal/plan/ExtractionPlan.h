@@ -3,37 +3,27 @@
 #include <QByteArray>
 #include <QHash>
 #include <QPair>
-#include <QString>
 #include <QStringList>
 
 #include <atomic>
 #include <vector>
 
-#include "host/FileFormatsZip/internal/read/ArchiveEntry.h"
+#include "host/FileFormatsZip/internal/read/Archive.h"
 
 namespace vx {
 
-/** A folder to be there. It knows its parent and not its path, which would grow with its depth. */
-struct PlannedFolder
-{
-    int parent = 0; ///< index among the planned folders
-    QByteArray name;
-    const ArchiveEntry* entry = nullptr; ///< gives mode and time; none if it is needed only
-    bool isMade = false;                 ///< the job made it, so that the job may remove it
-    bool isShut = false;                 ///< it has its final mode, which may keep its owner out
-};
-
-/** A file to be written, or a symbolic link to be made. */
+/**
+ * A file, folder or link to be made. It knows the folder around it and not its path, which would
+ * grow with its depth.
+ */
 struct PlannedItem
 {
-    int folder = 0; ///< index among the planned folders
+    int parent = 0; ///< index of the folder among the planned items
     QByteArray name;
-    const ArchiveEntry* entry = nullptr;
-    bool isMade = false;
+    ArchiveEntry::Kind kind = ArchiveEntry::Folder;
+    const ArchiveEntry* entry = nullptr; ///< none of a folder that is needed only
+    bool isMade = false;                 ///< the job made it, so that the job may remove it
 };
-
-/** Entries of an archive. */
-using EntrySelection = std::vector<const ArchiveEntry*>;
 
 /**
  * What a job is going to make, decided before anything is written.
@@ -45,52 +35,55 @@ using EntrySelection = std::vector<const ArchiveEntry*>;
 class ExtractionPlan
 {
 public:
-    enum Kind { Nothing, Folder, File, Link };
-
-    /** Folders to be planned, those without an entry included: a bound for memory and time. */
-    static constexpr size_t mostFolders = 1000000;
-
-    /** What is planned under a name, and its index among its kind. */
-    struct Node
-    {
-        Kind kind = Nothing;
-        int index = 0;
-    };
-
     /**
-     * Plans to unpack @p entries, all of an archive or some, in the order of their data. They must
-     * outlive the plan.
+     * Plans to unpack @p entries, all of an archive or some, in the order of their data; to be
+     * called once. They must outlive the plan. Throws IOException, and Canceled once @p canceled
+     * is set.
      *
-     * @param flat     drops the folders: all files and links go directly into the target folder.
-     * @param canceled looked at between entries; once it is true, the plan stays incomplete.
-     * @throws IOException
+     * @param flat drops the folders: all files and links go directly into the target folder.
      */
-    ExtractionPlan(const EntrySelection& entries, bool flat, const std::atomic<bool>& canceled);
+    void add(const std::vector<const ArchiveEntry*>& entries, bool flat,
+             const std::atomic<bool>& canceled);
 
-    std::vector<PlannedFolder> folders; ///< parents before children; the first is the target itself
-    std::vector<PlannedItem> files;     ///< in the order of their data in the archive
-    std::vector<PlannedItem> links;
+    /** Folders before what is in them; the first is the target folder itself. */
+    std::vector<PlannedItem> items = {PlannedItem()};
+
+    /** The planned item of an index, which is never negative. */
+    const PlannedItem& item(int index) const { return items[static_cast<size_t>(index)]; }
 
     /** Bytes of all files together. */
     qint64 totalSize() const { return m_totalSize; }
 
-    /** What is planned in a folder under @p name; of kind Nothing if there is nothing. */
-    Node find(int folder, const QString& name) const;
+    /** The index of what is planned in a folder under @p name, or 0 if nothing is. */
+    int find(int folder, const QString& name) const;
 
-    /** The path of a folder, relative to the target folder and in UTF-8. */
-    QByteArray pathOf(int folder) const;
+    /** The path of an item, relative to the target folder and in UTF-8. */
+    QByteArray pathOf(int index) const;
 
 private:
     void add(const ArchiveEntry& entry, bool flat);
-    void addFolder(const ArchiveEntry& entry, const QStringList& parts);
     int requireFolder(const QStringList& parts, const QString& wantedBy);
-    int requireFolder(int parent, const QString& name, const QString& wantedBy);
-    int planFolder(int parent, const QString& name);
-    void occupy(int folder, const QString& name, const Node& node, const QString& wantedBy);
+    int append(int folder, const QString& name, ArchiveEntry::Kind kind, const ArchiveEntry* entry);
 
-    /** By the folder that they are in and the key of their name. */
-    QHash<QPair<int, QString>, Node> m_nodes;
+    /** Indices by the folder and the key of the name. */
+    QHash<QPair<int, QString>, int> m_nodes;
+    int m_folders = 0;
     qint64 m_totalSize = 0;
 };
+
+/**
+ * Refuses a plan in which a symbolic link may lead out of the target folder. What a link points at
+ * may begin with "..", as often as the link lies below the target folder and no oftener; behind
+ * that it may only go down. As nothing is planned behind a link, each of them stands where its name
+ * says, so that a way through any number of links stays inside, too. Links through links are in
+ * order: shared libraries and frameworks are built of them. So are links to nothing.
+ *
+ * What leads in a circle is refused as well, and what leads through a link that @p target holds
+ * already, for nobody knows where that one leads.
+ *
+ * Throws IOException, and Canceled once @p canceled is set.
+ */
+void requireLinksInside(const ExtractionPlan& plan, const FileDescriptor& target,
+                        const std::atomic<bool>& canceled);
 
 } // namespace vx

@@ -1,17 +1,30 @@
 #include "host/FileFormatsZip/internal/read/Archive.h"
 
+#include <QSet>
+
+#include <algorithm>
+#include <functional>
 #include <memory>
-#include <sys/stat.h>
 
 #include "host/FileFormatsZip/internal/Failure.h"
 #include "host/FileFormatsZip/internal/read/ContentReader.h"
 #include "host/FileFormatsZip/internal/read/EntryName.h"
-#include "host/FileFormatsZip/internal/read/FileWindow.h"
-#include "host/FileFormatsZip/internal/read/LocalHeader.h"
 
 namespace vx {
 
 namespace {
+
+// The records at the end, by PKWARE's APPNOTE.TXT, 4.3.14 to 4.3.16.
+constexpr ByteView endSignature = "PK\5\6";
+constexpr ByteView end64Signature = "PK\6\6";
+constexpr ByteView locatorSignature = "PK\6\7";
+
+constexpr qint64 endLength = 22;
+constexpr qint64 end64Length = 56;
+constexpr qint64 locatorLength = 20;
+constexpr qint64 longestComment = 0xFFFF;
+
+constexpr qint64 mostBytesOfDirectory = 512LL * 1024 * 1024;
 
 // Some headers with the small contents between them.
 constexpr int windowSize = 16 * 1024;
@@ -19,49 +32,95 @@ constexpr int windowSize = 16 * 1024;
 // Far more than any system takes for a path.
 constexpr int mostBytesOfLink = 64 * 1024;
 
-// Of what names no permissions, as of what was not packed on a system that has them.
-constexpr unsigned defaultMode = 0664;
-constexpr unsigned executable = 0111;
-
-ArchiveEntry::Kind kindOf(const DirectoryRecord& record)
+[[noreturn]] void refuseAsTooLarge()
 {
-    const mode_t type = record.mode & S_IFMT;
-    // What zip packs from a pipe carries the pipe's type and the content that came through it.
-    const bool isFromPipe = type == S_IFIFO && record.extent.size > 0;
-    if (type != 0 && type != S_IFREG && type != S_IFDIR && type != S_IFLNK && !isFromPipe) {
-        return ArchiveEntry::Special;
-    }
-    if (record.isFolder) {
-        return ArchiveEntry::Folder;
-    }
-    return type == S_IFLNK ? ArchiveEntry::Link : ArchiveEntry::File;
+    fail(QStringLiteral("The archive is refused: it holds more than %1 entries.")
+             .arg(Archive::mostEntries));
 }
 
-unsigned permissionsOf(const DirectoryRecord& record)
+/** Where the directory of an archive lies in the file, as the record at its end says. */
+struct DirectoryExtent
 {
-    const unsigned mode = record.mode != 0 ? record.mode : defaultMode;
-    // Only the slash says that this is a folder, so that its mode may not have been meant for one.
-    const bool isFolderByName = record.isFolder && !S_ISDIR(record.mode);
-    return (isFolderByName ? mode | executable : mode) & 0777U;
+    qint64 begin = 0;
+    qint64 length = 0;
+    /** Where the archive begins: what is in front of that, an unpacking program say, is not its. */
+    qint64 archiveBegin = 0;
+    quint64 count = 0;    ///< announced entries
+    bool isZip64 = false; ///< otherwise the count has 16 bits, which some writers let overflow
+};
+
+/**
+ * The place of the end record in the tail of the file: the last one whose comment reaches to the
+ * end of the file. If something was appended to the archive, the last one at all.
+ */
+qint64 findEnd(ByteView tail)
+{
+    qint64 last = -1;
+    const auto length = static_cast<qint64>(tail.size());
+    for (qint64 at = length - endLength; at >= 0; --at) {
+        if (hasSignature(tail, at, endSignature)) {
+            last = std::max(last, at);
+            if (at + endLength + number<quint16>(tail, static_cast<size_t>(at) + 20) == length) {
+                return at;
+            }
+        }
+    }
+    if (last < 0) {
+        fail(QStringLiteral("The file is not a ZIP archive, or it is incomplete."));
+    }
+    return last;
 }
 
-ArchiveEntry makeEntry(const DirectoryRecord& record, const LocalHeader& header)
+/** The end record of Zip64 at a place in the file, or nothing if there is none. */
+QByteArray zip64EndAt(const ArchiveFile& file, quint64 at)
 {
-    ArchiveEntry entry;
-    entry.name = record.name;
-    entry.kind = kindOf(record);
-    if (entry.kind == ArchiveEntry::Folder && !entry.name.endsWith(QLatin1Char('/'))) {
-        entry.name += QLatin1Char('/');
+    if (file.size() < end64Length || at > static_cast<quint64>(file.size() - end64Length)) {
+        return {};
     }
-    entry.content.begin = header.dataBegin;
-    entry.content.packedSize = static_cast<qint64>(record.extent.packedSize);
-    entry.content.size = static_cast<qint64>(record.extent.size);
-    entry.content.crc32 = record.crc32;
-    entry.content.method = header.method;
-    entry.mode = permissionsOf(record);
-    entry.modified = header.modified;
-    entry.isEncrypted = header.isEncrypted;
-    return entry;
+    const QByteArray bytes = file.read(static_cast<qint64>(at), end64Length);
+    return hasSignature(viewOf(bytes), 0, end64Signature) ? bytes : QByteArray();
+}
+
+/** Looks for the end record and reads it, in the old form or in that of Zip64. */
+DirectoryExtent findDirectory(const ArchiveFile& file)
+{
+    const qint64 tailLength = std::min(file.size(), endLength + longestComment + locatorLength);
+    const qint64 tailBegin = file.size() - tailLength;
+    const QByteArray bytes = file.read(tailBegin, tailLength);
+    const ByteView tail = viewOf(bytes);
+    const qint64 at = findEnd(tail);
+    const qint64 locator = at - locatorLength;
+    const ByteView record = tail.substr(static_cast<size_t>(at));
+    DirectoryExtent extent;
+    extent.isZip64 = hasSignature(tail, locator, locatorSignature);
+    extent.count = number<quint16>(record, 10);
+    quint64 length = number<quint32>(record, 12);
+    quint64 offset = number<quint32>(record, 16);
+    auto end = static_cast<quint64>(tailBegin + at);
+    if (extent.isZip64) {
+        end = number<quint64>(tail, static_cast<size_t>(locator) + 8);
+        QByteArray record64 = zip64EndAt(file, end);
+        if (record64.isEmpty()) {
+            // Where something was put in front of the archive, the locator names an earlier place.
+            end = static_cast<quint64>(tailBegin + locator - end64Length);
+            record64 = zip64EndAt(file, end);
+        }
+        if (record64.isEmpty()) {
+            failAsDamaged(QStringLiteral("its end record is missing"));
+        }
+        extent.count = number<quint64>(viewOf(record64), 32);
+        length = number<quint64>(viewOf(record64), 40);
+        offset = number<quint64>(viewOf(record64), 48);
+    }
+    // Counted back from the end, so that something in front does no harm. The sums may wrap around.
+    extent.length = static_cast<qint64>(length);
+    extent.begin = static_cast<qint64>(end - length);
+    extent.archiveBegin = static_cast<qint64>(end - length - offset);
+    if (extent.length < 0 || extent.begin < 0 || extent.archiveBegin < 0 ||
+        extent.begin > tailBegin + at - extent.length || extent.archiveBegin > extent.begin) {
+        failAsDamaged(QStringLiteral("its directory lies outside"));
+    }
+    return extent;
 }
 
 } // namespace
@@ -69,50 +128,85 @@ ArchiveEntry makeEntry(const DirectoryRecord& record, const LocalHeader& header)
 Archive::Archive(const QString& path, const std::atomic<bool>& canceled)
     : m_file(path)
 {
-    const CentralDirectory directory(m_file, canceled);
-    m_dataEnd = directory.extent().begin;
-    readEntries(directory, canceled);
+    const DirectoryExtent extent = findDirectory(m_file);
+    if (extent.count > mostEntries || extent.length > mostBytesOfDirectory) {
+        refuseAsTooLarge();
+    }
+    readRecords(viewOf(m_file.read(extent.begin, extent.length)), canceled);
+    // Where the count has 16 bits, some writers let it overflow.
+    const quint64 count = m_entries.size();
+    if ((extent.isZip64 ? count : static_cast<quint16>(count)) != extent.count) {
+        failAsDamaged(QStringLiteral("its directory announces another number of entries"));
+    }
+    sort();
+    m_dataEnd = extent.begin;
+    readHeaders(extent.archiveBegin, canceled);
     readLinkTargets(canceled);
 }
 
-void Archive::readEntries(const CentralDirectory& directory, const std::atomic<bool>& canceled)
+void Archive::readRecords(ByteView directory, const std::atomic<bool>& canceled)
 {
-    const auto archiveBegin = static_cast<quint64>(directory.extent().archiveBegin);
-    FileWindow window(m_file, m_dataEnd, windowSize);
-    m_index.reserve(directory.records().size());
-    for (const DirectoryRecord& record : directory.records()) {
-        if (canceled) {
-            return;
+    QSet<QString> keys;
+    while (!directory.empty()) {
+        requireNotCanceled(canceled);
+        m_entries.push_back(takeRecord(directory));
+        const QString& name = m_entries.back().name;
+        if (name.contains(QChar(QChar::Null))) {
+            refuse(name, "has a name with control characters");
         }
-        // It may wrap around, to a place where no header is.
-        const auto begin = static_cast<qint64>(archiveBegin + record.extent.offset);
-        m_index.push_back(makeEntry(record, readLocalHeader(window, begin, record)));
-        const ArchiveEntry& entry = m_index.back();
-        if (entry.kind == ArchiveEntry::File && entry.content.size == 0 && record.crc32 != 0) {
-            refuse(entry.name, QStringLiteral("is damaged: its checksum is wrong"));
+        keys.insert(nameKey(name));
+        if (static_cast<size_t>(keys.size()) != m_entries.size()) {
+            refuse(name, "is contained twice");
+        }
+        if (m_entries.size() > mostEntries) {
+            refuseAsTooLarge();
+        }
+    }
+}
+
+void Archive::sort()
+{
+    const auto isBefore = [](const ArchiveEntry& a, const ArchiveEntry& b) {
+        return a.begin < b.begin;
+    };
+    const auto begin = m_entries.begin();
+    const auto end = m_entries.end();
+    // Nearly all archives are in order, and sorting a million entries would take a while.
+    if (!std::is_sorted(begin, end, isBefore)) {
+        std::stable_sort(begin, end, isBefore);
+    }
+    // Two that stand side by side, neither before the other, lie at the same place.
+    if (std::adjacent_find(begin, end, std::not_fn(isBefore)) != end) {
+        failAsDamaged(QStringLiteral("its directory and its entries disagree about their number"));
+    }
+}
+
+void Archive::readHeaders(qint64 archiveBegin, const std::atomic<bool>& canceled)
+{
+    FileWindow window(m_file, m_dataEnd, windowSize);
+    for (ArchiveEntry& entry : m_entries) {
+        requireNotCanceled(canceled);
+        readLocalHeader(window, archiveBegin, entry);
+        if (entry.kind == ArchiveEntry::File && entry.size == 0 && entry.crc32 != 0) {
+            refuse(entry.name, "is damaged: its checksum is wrong");
         }
     }
 }
 
 void Archive::readLinkTargets(const std::atomic<bool>& canceled)
 {
-    std::unique_ptr<ContentReader> reader;
-    for (ArchiveEntry& entry : m_index) {
-        if (canceled) {
-            return;
-        }
+    const auto reader = std::make_unique<ContentReader>(*this, mostBytesOfLink);
+    for (ArchiveEntry& entry : m_entries) {
+        requireNotCanceled(canceled);
         if (entry.kind != ArchiveEntry::Link || entry.isEncrypted || !entry.isMethodSupported()) {
             continue;
         }
-        if (entry.content.packedSize > mostBytesOfLink || entry.content.size > mostBytesOfLink) {
+        if (entry.packedSize > mostBytesOfLink || entry.size > mostBytesOfLink) {
             failAsDamaged(QStringLiteral("%1 is a symbolic link of impossible length")
                               .arg(quoted(entry.name)));
         }
-        if (!reader) {
-            reader = std::make_unique<ContentReader>(*this, mostBytesOfLink);
-        }
         QByteArray target;
-        reader->begin(entry.content, entry.name);
+        reader->begin(entry);
         for (ByteView piece = reader->next(); !piece.empty(); piece = reader->next()) {
             target.append(piece.data(), static_cast<int>(piece.size()));
         }

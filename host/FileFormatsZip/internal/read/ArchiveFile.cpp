@@ -2,9 +2,11 @@
 
 #include <QFile>
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <utility>
 
 #include "host/FileFormatsZip/internal/Failure.h"
 
@@ -25,21 +27,12 @@ ArchiveFile::ArchiveFile(const QString& path)
     m_size = status.st_size;
 }
 
-QByteArray ArchiveFile::bytesAt(qint64 offset, qint64 length) const
+QByteArray ArchiveFile::read(qint64 offset, qint64 length, QByteArray memory) const
 {
-    QByteArray bytes;
-    readExactly(offset, length, bytes);
-    return bytes;
-}
-
-void ArchiveFile::readExactly(qint64 offset, qint64 length, QByteArray& bytes) const
-{
-    QByteArray read;
-    read.swap(bytes);
-    read.resize(static_cast<int>(length));
+    memory.resize(static_cast<int>(length));
     qint64 filled = 0;
     while (filled < length) {
-        const ssize_t got = ::pread(m_descriptor.get(), read.data() + filled,
+        const ssize_t got = ::pread(m_descriptor.get(), memory.data() + filled,
                                     static_cast<size_t>(length - filled), offset + filled);
         if (got == 0) {
             failAsDamaged(QStringLiteral("it ends too early"));
@@ -49,7 +42,28 @@ void ArchiveFile::readExactly(qint64 offset, qint64 length, QByteArray& bytes) c
         }
         filled += got < 0 ? 0 : got;
     }
-    bytes.swap(read);
+    return memory;
+}
+
+FileWindow::FileWindow(const ArchiveFile& file, qint64 end, int capacity)
+    : m_file(file)
+    , m_end(end)
+    , m_capacity(capacity)
+{}
+
+ByteView FileWindow::at(qint64 offset, qint64 least, qint64 most)
+{
+    // The offset may be any number, so that nothing is added to it before it is known to be small.
+    if (offset < m_begin || offset > m_begin + m_bytes.size() - least) {
+        if (offset < 0 || offset > m_end - least) {
+            failAsDamaged(QStringLiteral("it ends too early"));
+        }
+        const qint64 wanted = std::min(std::max(least, m_capacity), m_end - offset);
+        m_bytes = m_file.read(offset, wanted, std::move(m_bytes));
+        m_begin = offset;
+    }
+    const ByteView rest = viewOf(m_bytes).substr(static_cast<size_t>(offset - m_begin));
+    return rest.substr(0, static_cast<size_t>(most));
 }
 
 } // namespace vx

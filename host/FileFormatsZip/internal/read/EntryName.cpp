@@ -31,12 +31,10 @@ QString fromCodePage437(ByteView raw)
     return text;
 }
 
-/** macOS names the file with the icon of a folder so; every bundle may hold one. */
-const QString folderIcon = QStringLiteral("Icon\r");
-
 bool hasControlCharacter(const QString& path)
 {
-    const bool isIcon = path == folderIcon || path.endsWith(QLatin1Char('/') + folderIcon);
+    // macOS names the file with the icon of a folder so; every bundle may hold one.
+    const bool isIcon = (QLatin1Char('/') + path).endsWith(QLatin1String("/Icon\r"));
     return std::any_of(path.begin(), isIcon ? path.end() - 1 : path.end(),
                        [](QChar c) { return c.category() == QChar::Other_Control; });
 }
@@ -59,10 +57,7 @@ bool isTooLong(const QString& name, const QStringList& parts)
 bool isUtf8(ByteView raw)
 {
     // Qt drops this mark at the beginning of a text.
-    constexpr ByteView byteOrderMark = "\xEF\xBB\xBF";
-    if (hasSignature(raw, 0, byteOrderMark)) {
-        raw.remove_prefix(byteOrderMark.size());
-    }
+    raw.remove_prefix(hasSignature(raw, 0, "\xEF\xBB\xBF") ? 3 : 0);
     return viewOf(QString::fromUtf8(raw.data(), static_cast<int>(raw.size())).toUtf8()) == raw;
 }
 
@@ -82,37 +77,24 @@ QString nameKey(const QString& name)
     return key;
 }
 
-QString pathFlaw(const QString& path)
+const char* pathFlaw(const QString& path)
 {
-    if (path.isEmpty()) {
-        return QStringLiteral("has an empty name");
-    }
-    if (hasControlCharacter(path)) {
-        return QStringLiteral("has a name with control characters");
-    }
-    if (path.contains(QLatin1Char('\\'))) {
-        return QStringLiteral("has a name with a backslash");
-    }
-    if (path.startsWith(QLatin1Char('/'))) {
-        return QStringLiteral("has an absolute name");
-    }
-    if (startsWithDriveLetter(path)) {
-        return QStringLiteral("has a name with a drive letter");
-    }
     const QStringList parts = nameParts(path);
-    if (isTooLong(path, parts)) {
-        return QStringLiteral("has a name that is too long");
-    }
-    return parts.size() > mostParts ? QStringLiteral("has a name with too many parts") : QString();
+    return path.isEmpty()                      ? "has an empty name"
+           : hasControlCharacter(path)         ? "has a name with control characters"
+           : path.contains(QLatin1Char('\\'))  ? "has a name with a backslash"
+           : path.startsWith(QLatin1Char('/')) ? "has an absolute name"
+           : startsWithDriveLetter(path)       ? "has a name with a drive letter"
+           : isTooLong(path, parts)            ? "has a name that is too long"
+           : parts.size() > mostParts          ? "has a name with too many parts"
+                                               : nullptr;
 }
 
-QString nameFlaw(const QString& name)
+const char* nameFlaw(const QString& name)
 {
-    const QString flaw = pathFlaw(name);
-    if (flaw.isEmpty() && nameParts(name).contains(QStringLiteral(".."))) {
-        return QStringLiteral("has a name that leads out of the folder");
-    }
-    return flaw;
+    const char* const flaw = pathFlaw(name);
+    const bool isLeadingOut = flaw == nullptr && nameParts(name).contains(QStringLiteral(".."));
+    return isLeadingOut ? "has a name that leads out of the folder" : flaw;
 }
 
 QStringList nameParts(const QString& name)

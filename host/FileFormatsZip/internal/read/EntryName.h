@@ -3,7 +3,7 @@
 #include <QString>
 #include <QStringList>
 
-#include "host/FileFormatsZip/internal/read/Bytes.h"
+#include "host/FileFormatsZip/internal/read/ArchiveFile.h"
 
 namespace vx {
 
@@ -24,14 +24,13 @@ QString nameKey(const QString& name);
 
 /**
  * What makes a path unfit as a name and as the target of a link, as "has a name with a backslash";
- * empty if nothing does. Flaws are an empty or absolute path, a drive letter, a backslash, a
- * control character other than that of "Icon\r", more characters than file systems take, and more
- * than 128 parts.
+ * null if nothing does. Control characters are a flaw but for that of "Icon\r", and so are more
+ * characters than file systems take and more than 128 parts.
  */
-QString pathFlaw(const QString& path);
+const char* pathFlaw(const QString& path);
 
 /** The same for the name of an entry, where ".." is a flaw as well. */
-QString nameFlaw(const QString& name);
+const char* nameFlaw(const QString& name);
 
 /** The parts of a name, without empty ones and ".". */
 QStringList nameParts(const QString& name);

@@ -1,23 +1,21 @@
 #include "host/FileFormatsZip/internal/write/Extraction.h"
 
+#include <QFile>
 #include <QLocale>
 
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <future>
+#include <limits>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <system_error>
 #include <thread>
 #include <utility>
 
 #include "host/FileFormatsZip/internal/Failure.h"
-#include "host/FileFormatsZip/internal/plan/LinkRules.h"
-#include "host/FileFormatsZip/internal/read/Archive.h"
 #include "host/FileFormatsZip/internal/read/ContentReader.h"
-#include "host/FileFormatsZip/internal/read/EntryName.h"
-#include "host/FileFormatsZip/internal/write/FileWriter.h"
-#include "host/FileFormatsZip/internal/write/FolderCursor.h"
 
 namespace vx {
 
@@ -31,102 +29,195 @@ constexpr qint64 overheadPerEntry = 4096;
 constexpr qint64 mostExpansion = 1032;
 
 constexpr unsigned modeOfUnlisted = 0755;
+constexpr unsigned permissionBits = 0777;
 
 // Creating a file keeps the system busier than this process, so that two threads are faster, and
 // few files are written before a second one is ready. More than two would only wait for the disk.
-constexpr size_t filesWorthHelp = 64;
-constexpr size_t filesPerShare = 16;
+constexpr size_t itemsWorthHelp = 64;
+constexpr size_t itemsPerShare = 16;
+
+// The application needs descriptors too, and has often no more than a thousand.
+constexpr size_t mostOpen = 16;
+constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
 QString readable(qint64 bytes)
 {
     return QLocale::c().formattedDataSize(bytes, 1, QLocale::DataSizeSIFormat);
 }
 
-} // namespace
-
-Extraction::Extraction(std::shared_ptr<const Archive> archive, ExtractionPlan plan,
-                       const QString& targetFolder, std::shared_ptr<ExtractionState> state)
-    : m_archive(std::move(archive))
-    , m_plan(std::move(plan))
-    , m_target(targetFolder)
-    , m_state(std::move(state))
+/** Fails, unless @p isDone, by the last error of the system. */
+void require(bool isDone, const char* action, const QByteArray& name)
 {
-    m_state->totalBytes = m_plan.totalSize();
+    if (!isDone) {
+        const int code = errno;
+        const QString what = quoted(QString::fromUtf8(name));
+        failWithErrno(QStringLiteral("%1 %2").arg(QLatin1String(action), what), code);
+    }
 }
 
-bool Extraction::run()
+/** Bytes that an ordinary user may still write; the largest number if that is unknown. */
+qint64 freeBytes(int folder)
+{
+    struct statvfs status = {};
+    qint64 bytes = 0;
+    if (::fstatvfs(folder, &status) != 0 ||
+        __builtin_mul_overflow(status.f_bavail, status.f_frsize, &bytes)) {
+        return std::numeric_limits<qint64>::max();
+    }
+    return bytes;
+}
+
+bool isAllZero(ByteView piece)
+{
+    return piece.front() == 0 && piece.substr(1) == piece.substr(0, piece.size() - 1);
+}
+
+bool writeAll(int file, ByteView piece)
+{
+    while (!piece.empty()) {
+        const ssize_t count = ::write(file, piece.data(), piece.size());
+        if (count < 0 && errno != EINTR) {
+            return false;
+        }
+        piece.remove_prefix(count > 0 ? static_cast<size_t>(count) : 0);
+    }
+    return true;
+}
+
+/** A file system that keeps no times is put up with. */
+void setAttributes(int descriptor, unsigned mode, const timespec& modified, const QByteArray& name)
+{
+    require(::fchmod(descriptor, mode & permissionBits) == 0, "set the mode of", name);
+    const timespec times[] = {{0, UTIME_OMIT}, modified};
+    ::futimens(descriptor, times);
+}
+
+} // namespace
+
+/**
+ * Opens planned folders one after the other. It walks part by part and never follows a symbolic
+ * link, so that nothing outside the target can be reached whatever that holds or comes to hold. The
+ * last folder and those above it stay open, for the next one is mostly near. Belongs to one thread.
+ */
+struct FolderCursor
+{
+    const FileDescriptor& target;
+    const ExtractionPlan& plan;
+    /** What is open, each within the one before it. The outermost may have been closed again. */
+    std::vector<std::pair<int, FileDescriptor>> levels = {};
+
+    /** The planned folder @p index until the next call; -1 if it can't be opened, see errno. */
+    int open(int index)
+    {
+        // A folder has a lower index than what is in it.
+        while (!levels.empty() && levels.back().first > index) {
+            levels.pop_back();
+        }
+        if (index == 0) {
+            return target.get();
+        }
+        if (levels.empty() || levels.back().first != index) {
+            const int parent = open(plan.item(index).parent);
+            const char* const name = plan.item(index).name.constData();
+            FileDescriptor folder(parent < 0 ? -1 : ::openat(parent, name, folderFlags));
+            if (!folder.isValid()) {
+                return -1;
+            }
+            if (levels.size() == mostOpen) {
+                levels.erase(levels.begin());
+            }
+            levels.emplace_back(index, std::move(folder));
+        }
+        return levels.back().second.get();
+    }
+
+    /** The same, but throws IOException if it can't be opened. */
+    int require(int index)
+    {
+        const int folder = open(index);
+        if (folder < 0) {
+            vx::require(false, "open the folder", plan.pathOf(index));
+        }
+        return folder;
+    }
+};
+
+Extraction::Extraction(ExtractionOrder order, std::shared_ptr<ExtractionState> state)
+    : m_order(std::move(order))
+    , m_state(std::move(state))
+{}
+
+void Extraction::run()
 {
     try {
-        return unpack();
+        if (!m_order.archive) {
+            m_order.archive =
+                std::make_shared<const Archive>(m_order.archivePath, m_state->canceled);
+        }
+        select();
+        m_plan.add(m_selection, m_order.flat, m_state->canceled);
+        openTarget();
+        m_state->totalBytes = m_plan.totalSize();
+        requireLinksInside(m_plan, m_target, m_state->canceled);
+        requireSpace();
+        makeFolders();
+        writeFiles();
+        // Links come after all files, so that no file can be written through one.
+        makeLinks();
+        setFolderAttributes();
+        requireNotCanceled(m_state->canceled);
+    } catch (const Canceled&) {
+        if (!m_order.keepsWhenCanceled) {
+            removeMade();
+            fail(QStringLiteral("Unpacking was cancelled."));
+        }
     } catch (...) {
         removeMade();
         throw;
     }
 }
 
-bool Extraction::unpack()
+void Extraction::select()
 {
-    requireLinksInside(m_plan, m_target, m_state->canceled);
-    if (m_state->canceled) {
-        return false;
+    // To grow a table of a million names takes longer than a cancel may.
+    m_wanted.reserve(m_order.names ? m_order.names->size() : 0);
+    for (int i = 0; m_order.names && i < m_order.names->size(); ++i) {
+        requireNotCanceled(m_state->canceled);
+        m_wanted.insert(m_order.names->at(i));
     }
-    requireSpace();
-    makeFolders();
-    writeFiles();
-    // Links come after all files, so that no file can be written through one.
-    makeLinks();
-    setFolderAttributes();
-    return !m_state->canceled;
-}
-
-void Extraction::removeMade()
-{
-    reopenFolders();
-    removeMadeOf(m_plan.links);
-    removeMadeOf(m_plan.files);
-    FolderCursor cursor(m_target, m_plan);
-    for (size_t i = m_plan.folders.size(); i-- > 1;) {
-        const PlannedFolder& folder = m_plan.folders[i];
-        if (folder.isMade) {
-            ::unlinkat(cursor.open(folder.parent).get(), folder.name.constData(), AT_REMOVEDIR);
+    for (const ArchiveEntry& entry : m_order.archive->entries()) {
+        requireNotCanceled(m_state->canceled);
+        if (!m_order.names || m_wanted.remove(entry.name)) {
+            m_selection.push_back(&entry);
         }
     }
-    m_target.removeIfMade();
-}
-
-/** Gives the owner back the folders that have their final mode, for it may keep even him out. */
-void Extraction::reopenFolders()
-{
-    FolderCursor cursor(m_target, m_plan);
-    for (const PlannedFolder& folder : m_plan.folders) {
-        if (folder.isShut) {
-            ::fchmodat(cursor.open(folder.parent).get(), folder.name.constData(), S_IRWXU,
-                       AT_SYMLINK_NOFOLLOW);
-        }
+    if (!m_wanted.isEmpty()) {
+        fail(QStringLiteral("The archive does not contain %1.").arg(quoted(*m_wanted.begin())));
     }
 }
 
-/** Removes those of @p items, which are files or links, that were made. */
-void Extraction::removeMadeOf(const std::vector<PlannedItem>& items)
+void Extraction::openTarget()
 {
-    FolderCursor cursor(m_target, m_plan);
-    for (const PlannedItem& item : items) {
-        if (item.isMade) {
-            ::unlinkat(cursor.open(item.folder).get(), item.name.constData(), 0);
-        }
-    }
+    const QByteArray name = QFile::encodeName(m_order.targetFolder);
+    const QByteArray shown = m_order.targetFolder.toUtf8();
+    m_isTargetMade = ::mkdir(name.constData(), 0777) == 0;
+    require(m_isTargetMade || errno == EEXIST, "create the folder", shown);
+    m_target = FileDescriptor(::open(name.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    require(m_target.isValid(), "open the folder", shown);
 }
 
 void Extraction::requireSpace() const
 {
-    if (m_plan.totalSize() / mostExpansion > m_archive->file().size()) {
+    const qint64 packed = m_order.archive->file().size();
+    if (m_plan.totalSize() / mostExpansion > packed) {
         fail(QStringLiteral("The archive is refused: it declares %1, more than its %2 can hold.")
-                 .arg(readable(m_plan.totalSize()), readable(m_archive->file().size())));
+                 .arg(readable(m_plan.totalSize()), readable(packed)));
     }
     const auto entries =
-        static_cast<qint64>(m_plan.files.size()) + static_cast<qint64>(m_plan.folders.size());
+        std::count_if(m_plan.items.begin(), m_plan.items.end(),
+                      [](const PlannedItem& item) { return item.kind != ArchiveEntry::Link; });
     const qint64 needed = m_plan.totalSize() + entries * overheadPerEntry;
-    const qint64 available = m_target.freeBytes();
+    const qint64 available = freeBytes(m_target.get());
     if (needed > available) {
         fail(QStringLiteral("There is not enough space on the disk: %1 are needed, %2 are free.")
                  .arg(readable(needed), readable(available)));
@@ -135,34 +226,30 @@ void Extraction::requireSpace() const
 
 void Extraction::makeFolders()
 {
-    FolderCursor cursor(m_target, m_plan);
-    for (size_t i = 1; i < m_plan.folders.size() && !m_state->canceled; ++i) {
-        makeFolder(static_cast<int>(i), cursor);
+    FolderCursor cursor = {m_target, m_plan};
+    for (size_t i = 1; i < m_plan.items.size(); ++i) {
+        requireNotCanceled(m_state->canceled);
+        PlannedItem& item = m_plan.items[i];
+        if (item.kind != ArchiveEntry::Folder) {
+            continue;
+        }
+        // For the owner alone until everything is in it, and writable even if its mode will not be.
+        const int parent = cursor.require(item.parent);
+        item.isMade = ::mkdirat(parent, item.name.constData(), S_IRWXU) == 0;
+        if (!item.isMade && errno != EEXIST) {
+            require(false, "create the folder", m_plan.pathOf(static_cast<int>(i)));
+        }
+        if (!item.isMade) {
+            // What is there must be a folder.
+            cursor.require(static_cast<int>(i));
+        }
     }
-}
-
-void Extraction::makeFolder(int index, FolderCursor& cursor)
-{
-    PlannedFolder& folder = m_plan.folders[static_cast<size_t>(index)];
-    const FileDescriptor& parent = cursor.require(folder.parent);
-    // For the owner alone until everything is in it, and writable even if its mode will not be.
-    folder.isMade = ::mkdirat(parent.get(), folder.name.constData(), S_IRWXU) == 0;
-    if (folder.isMade) {
-        return;
-    }
-    if (errno != EEXIST) {
-        failWithErrno(QStringLiteral("create the folder %1")
-                          .arg(quoted(QString::fromUtf8(m_plan.pathOf(index)))),
-                      errno);
-    }
-    // What is there must be a folder.
-    cursor.require(index);
 }
 
 void Extraction::writeFiles()
 {
     std::future<void> helper;
-    if (m_plan.files.size() >= filesWorthHelp && std::thread::hardware_concurrency() > 1) {
+    if (m_plan.items.size() >= itemsWorthHelp && std::thread::hardware_concurrency() > 1) {
         try {
             helper = std::async(std::launch::async, [this] { writeShares(); });
         } catch (const std::system_error&) {
@@ -179,15 +266,18 @@ void Extraction::writeFiles()
 void Extraction::writeShares()
 {
     try {
-        ContentReader reader(*m_archive);
-        FolderCursor cursor(m_target, m_plan);
-        for (size_t next = m_nextFile += filesPerShare; next - filesPerShare < m_plan.files.size();
-             next = m_nextFile += filesPerShare) {
-            for (size_t i = next - filesPerShare; i < std::min(next, m_plan.files.size()); ++i) {
-                if (isStopped()) {
-                    return;
+        ContentReader reader(*m_order.archive);
+        FolderCursor cursor = {m_target, m_plan};
+        for (;;) {
+            const size_t begin = m_nextItem.fetch_add(itemsPerShare);
+            const size_t end = std::min(begin + itemsPerShare, m_plan.items.size());
+            for (size_t i = begin; i < end && !isStopped(); ++i) {
+                if (m_plan.items[i].kind == ArchiveEntry::File) {
+                    writeFile(m_plan.items[i], reader, cursor);
                 }
-                writeFile(m_plan.files[i], reader, cursor);
+            }
+            if (end == m_plan.items.size() || isStopped()) {
+                return;
             }
         }
     } catch (...) {
@@ -196,59 +286,91 @@ void Extraction::writeShares()
     }
 }
 
-bool Extraction::isStopped() const
+void Extraction::writeFile(PlannedItem& item, ContentReader& reader, FolderCursor& cursor)
 {
-    return m_hasFailed || m_state->canceled;
-}
-
-void Extraction::writeFile(PlannedItem& file, ContentReader& reader, FolderCursor& cursor)
-{
-    reader.begin(file.entry->content, file.entry->name);
-    FileWriter writer(cursor.require(file.folder), file);
+    const ArchiveEntry& entry = *item.entry;
+    reader.begin(entry);
+    const FileDescriptor file(::openat(cursor.require(item.parent), item.name.constData(),
+                                       O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    require(file.isValid(), "create the file", item.name);
+    item.isMade = true;
+    bool endsInHole = false;
     for (ByteView piece = reader.next(); !piece.empty(); piece = reader.next()) {
         if (isStopped()) {
             return;
         }
-        writer.write(piece);
+        // A piece of nothing but zeros becomes a hole, which saves the disk much of an image.
+        endsInHole = isAllZero(piece);
+        require(endsInHole ? ::lseek(file.get(), static_cast<off_t>(piece.size()), SEEK_CUR) >= 0
+                           : writeAll(file.get(), piece),
+                "write the file", item.name);
         m_state->doneBytes += static_cast<qint64>(piece.size());
     }
-    writer.finish();
+    require(!endsInHole || ::ftruncate(file.get(), entry.size) == 0, "write the file", item.name);
+    setAttributes(file.get(), entry.mode, {entry.modified, 0}, item.name);
 }
 
 void Extraction::makeLinks()
 {
-    FolderCursor cursor(m_target, m_plan);
-    for (PlannedItem& link : m_plan.links) {
-        if (m_state->canceled) {
-            return;
+    FolderCursor cursor = {m_target, m_plan};
+    for (PlannedItem& item : m_plan.items) {
+        requireNotCanceled(m_state->canceled);
+        if (item.kind != ArchiveEntry::Link) {
+            continue;
         }
-        const FileDescriptor& folder = cursor.require(link.folder);
-        const QByteArray target = link.entry->linkTarget.toUtf8();
-        if (::symlinkat(target.constData(), folder.get(), link.name.constData()) != 0) {
-            failWithErrno(
-                QStringLiteral("create the link %1").arg(quoted(QString::fromUtf8(link.name))),
-                errno);
-        }
-        link.isMade = true;
-        const timespec times[] = {{0, UTIME_OMIT}, {link.entry->modified, 0}};
-        ::utimensat(folder.get(), link.name.constData(), times, AT_SYMLINK_NOFOLLOW);
+        const int folder = cursor.require(item.parent);
+        const QByteArray target = item.entry->linkTarget.toUtf8();
+        require(::symlinkat(target.constData(), folder, item.name.constData()) == 0,
+                "create the link", item.name);
+        item.isMade = true;
+        const timespec times[] = {{0, UTIME_OMIT}, {item.entry->modified, 0}};
+        ::utimensat(folder, item.name.constData(), times, AT_SYMLINK_NOFOLLOW);
     }
 }
 
 void Extraction::setFolderAttributes()
 {
-    FolderCursor cursor(m_target, m_plan);
+    FolderCursor cursor = {m_target, m_plan};
     // Children first: a folder's time changes with its content, and its mode may shut it.
-    for (size_t i = m_plan.folders.size(); i-- > 1 && !m_state->canceled;) {
-        PlannedFolder& folder = m_plan.folders[i];
-        if (!folder.isMade) {
+    for (size_t i = m_plan.items.size(); i-- > 1;) {
+        requireNotCanceled(m_state->canceled);
+        PlannedItem& item = m_plan.items[i];
+        if (item.kind != ArchiveEntry::Folder || !item.isMade) {
             continue;
         }
-        const bool isListed = folder.entry != nullptr;
-        const timespec modified = {isListed ? folder.entry->modified : 0, isListed ? 0 : UTIME_NOW};
-        folder.isShut = true;
+        const bool isListed = item.entry != nullptr;
+        const timespec modified = {isListed ? item.entry->modified : 0, isListed ? 0 : UTIME_NOW};
         setAttributes(cursor.require(static_cast<int>(i)),
-                      isListed ? folder.entry->mode : modeOfUnlisted, modified, folder.name);
+                      isListed ? item.entry->mode : modeOfUnlisted, modified, item.name);
+    }
+}
+
+void Extraction::removeMade()
+{
+    if (!m_target.isValid()) {
+        return;
+    }
+    FolderCursor cursor = {m_target, m_plan};
+    for (const PlannedItem& item : m_plan.items) {
+        // Its final mode may keep even the owner of a folder out.
+        if (item.isMade && item.kind == ArchiveEntry::Folder) {
+            ::fchmodat(cursor.open(item.parent), item.name.constData(), S_IRWXU,
+                       AT_SYMLINK_NOFOLLOW);
+        }
+    }
+    for (size_t i = m_plan.items.size(); i-- > 1;) {
+        const PlannedItem& item = m_plan.items[i];
+        if (item.isMade) {
+            ::unlinkat(cursor.open(item.parent), item.name.constData(),
+                       item.kind == ArchiveEntry::Folder ? AT_REMOVEDIR : 0);
+        }
+    }
+    if (m_isTargetMade) {
+        // The path may mean another folder by now, if the application changed its own.
+        const QString name =
+            m_order.targetFolder.section(QLatin1Char('/'), -1, -1, QString::SectionSkipEmpty);
+        ::unlinkat(m_target.get(), QFile::encodeName(QStringLiteral("../") + name).constData(),
+                   AT_REMOVEDIR);
     }
 }
 

@@ -1,19 +1,19 @@
 #pragma once
 
-#include <QString>
+#include <QSet>
+#include <QStringList>
 
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "host/FileFormatsZip/internal/plan/ExtractionPlan.h"
-#include "host/FileFormatsZip/internal/write/TargetFolder.h"
 
 namespace vx {
 
-class Archive;
 class ContentReader;
-class FolderCursor;
+struct FolderCursor;
 
 /** What the thread that watches an extraction and the thread that does it share. */
 struct ExtractionState
@@ -23,55 +23,57 @@ struct ExtractionState
     std::atomic<qint64> totalBytes{0}; ///< to be written; 0 until that is known
 };
 
+/** What is to be unpacked, and where to. */
+struct ExtractionOrder
+{
+    QString archivePath;
+    std::shared_ptr<const Archive> archive; ///< the same, if it is open already
+    std::optional<QStringList> names;       ///< of entries; unset means all
+    QString targetFolder;                   ///< made if it does not exist
+    bool flat = false;                      ///< explained in ExtractionPlan
+    bool keepsWhenCanceled = false;         ///< what has been made by then
+};
+
 /**
- * Unpacks what a plan says. Both ZipReader and Unzipper work by it.
- *
- * run() blocks, so that callers give it a thread of its own, with signals blocked: a file that
- * exceeds a resource limit is then an error and not the end of the process. It takes a second
- * thread to help where there are many files; that is gone when it returns.
+ * Unpacks an archive, or some of its entries; both ZipReader and Unzipper work by it. What the
+ * object holds is large if the entries are many, and takes a while to be destroyed.
  */
 class Extraction
 {
 public:
-    /**
-     * Prepares to unpack @p plan from @p archive.
-     *
-     * @param targetFolder is made if it does not exist.
-     */
-    Extraction(std::shared_ptr<const Archive> archive, ExtractionPlan plan,
-               const QString& targetFolder, std::shared_ptr<ExtractionState> state);
+    Extraction(ExtractionOrder order, std::shared_ptr<ExtractionState> state);
 
     /**
-     * Unpacks everything. When it throws, what it made is removed again.
+     * Does it. Throws IOException, too if it is cancelled and does not keep what it made; that is
+     * removed again then.
      *
-     * @return true when all is done; false when the job was cancelled, in which case what was
-     *         made is left.
-     * @throws IOException
+     * Callers give it a thread of its own, with signals blocked: a file that exceeds a resource
+     * limit is then an error and not the end of the process. Where there are many files it takes a
+     * second thread to help.
      */
-    bool run();
-
-    /** Removes what run() made. What was in the folder before stays. */
-    void removeMade();
+    void run();
 
 private:
-    void removeMadeOf(const std::vector<PlannedItem>& items);
-    void reopenFolders();
-    bool unpack();
+    void select();
+    void openTarget();
     void requireSpace() const;
     void makeFolders();
-    void makeFolder(int index, FolderCursor& cursor);
     void writeFiles();
     void writeShares();
-    bool isStopped() const;
-    void writeFile(PlannedItem& file, ContentReader& reader, FolderCursor& cursor);
+    bool isStopped() const { return m_hasFailed || m_state->canceled; }
+    void writeFile(PlannedItem& item, ContentReader& reader, FolderCursor& cursor);
     void makeLinks();
     void setFolderAttributes();
+    void removeMade();
 
-    std::shared_ptr<const Archive> m_archive;
+    ExtractionOrder m_order;
+    const std::shared_ptr<ExtractionState> m_state;
+    QSet<QString> m_wanted;
+    std::vector<const ArchiveEntry*> m_selection;
     ExtractionPlan m_plan;
-    TargetFolder m_target;
-    std::shared_ptr<ExtractionState> m_state;
-    std::atomic<size_t> m_nextFile{0};
+    FileDescriptor m_target;
+    bool m_isTargetMade = false;
+    std::atomic<size_t> m_nextItem{0};
     std::atomic<bool> m_hasFailed{false};
 };
 
