@@ -5,6 +5,7 @@
 #include <QUrl>
 #include <QVariant>
 
+#include "base/HeaderLimit.h"
 #include "base/TlsReason.h"
 
 namespace vx {
@@ -143,6 +144,14 @@ QString failureReason(const QNetworkReply& reply, const QNetworkProxy& proxy, qi
 {
     const QString server = serverOf(reply.url());
     const QString tls = reply.property(tlsProperty).toString();
+    if (hasTooLongHeader(reply)) {
+        return QStringLiteral(
+                   "%1 sent a header of more than %2 bytes and was cut off; correct what "
+                   "it sends, or look for what stands between")
+                   .arg(server)
+                   .arg(largestHeader) +
+               through(proxy);
+    }
     const QNetworkReply::NetworkError ofProxy =
         isUsed(proxy) ? proxyError(reply) : QNetworkReply::NoError;
     if (ofProxy != QNetworkReply::NoError) {

@@ -7,6 +7,7 @@
 #include <QUrl>
 
 #include "base/FailureReason.h"
+#include "base/HeaderLimit.h"
 #include "base/LogLine.h"
 #include "client/internal/AnswerLimit.h"
 #include "dialogs/SoftwareUpdateDialog.h"
@@ -64,7 +65,7 @@ void SoftwareUpdateClient::performUpdateCheck(const QUrl& url)
         networkManager = newRequestManager(this);
     }
     networkManager->setProxy(networkProxy());
-    QNetworkReply* const reply = networkManager->get(requestFor(url));
+    QNetworkReply* const reply = getWithHeaderLimit(*networkManager, requestFor(url));
     stopAboveLargestAnswer(reply);
     rememberTlsErrors(reply);
     if (requestTimer == nullptr) {

@@ -86,6 +86,7 @@ private slots:
     void answerTooLongToParse();
     void errorWithALongBody_data();
     void errorWithALongBody();
+    void headerWithoutEnd();
     void timeout_data();
     void timeout();
     void dialogShowsTheFormerCheck();
@@ -357,6 +358,28 @@ void ClientCheckOutcomeTest::errorWithALongBody()
     QVERIFY(fixture.log.contains(3, timeoutLine));
     QVERIFY(!errorTextInLog(fixture.log).isEmpty());
     QCOMPARE(notification(), errorTextInLog(fixture.log));
+}
+
+void ClientCheckOutcomeTest::headerWithoutEnd()
+{
+    ClientFixture fixture;
+    fixture.start();
+    ServedReply endless;
+    endless.fault = ServedReply::EndlessHeader;
+    endless.body = "HTTP/1.1 200 OK\r\n";
+    fixture.server.setReply("/", endless);
+    fixture.openSettingsDialog();
+    QVERIFY(fixture.check());
+    QCOMPARE(fixture.log.lines(3).size(), 2);
+    const QString reason =
+        evaluation + QString("127.0.0.1:%1 sent a header of more than 262144 bytes and was cut off")
+                         .arg(fixture.server.port());
+    QVERIFY2(fixture.log.lines(3).first().contains(reason),
+             qPrintable(fixture.log.lines(3).first()));
+    QVERIFY(fixture.log.contains(3, timeoutLine));
+    QCOMPARE(errorTextInLog(fixture.log), "Operation canceled");
+    QCOMPARE(notification(), errorTextInLog(fixture.log));
+    QVERIFY(!isProgressShown());
 }
 
 void ClientCheckOutcomeTest::timeout_data()

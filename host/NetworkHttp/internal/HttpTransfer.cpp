@@ -9,6 +9,7 @@
 #include <limits>
 
 #include "base/FailureReason.h"
+#include "base/HeaderLimit.h"
 #include "base/LogLine.h"
 #include "host/NetworkHttp/HttpClient.h"
 #include "host/NetworkHttp/internal/NetworkRequest.h"
@@ -100,7 +101,7 @@ void HttpTransfer::ask(const QUrl& url)
     m_total = 0;
     m_hasAnsweredProxy = false;
     m_hasAnsweredServer = false;
-    m_reply = m_manager.get(networkRequest(url, m_request->m_plan->host.userAgent));
+    m_reply = getWithHeaderLimit(m_manager, networkRequest(url, m_request->m_plan->host.userAgent));
     limitReadBuffer(m_reply, readBufferSize);
     rememberTlsErrors(m_reply);
     for (const char* signal :
