@@ -104,6 +104,9 @@ void LintRulesTest::oneChangeOneFinding_data()
         "\"http://download.example.commanager.mpkg.zip\"");
     row("doubled-slash", "<url>firmware.bin", "<url>/firmware.bin", 11, 5,
         "has \"//\" in its path");
+    row("doubled-slash whole", "<url>firmware.bin",
+        "<base-url></base-url><url>http://b.example.com//firmware.bin", 11, 26,
+        "has \"//\" in its path");
     row("odd-address", "<url>firmware.bin", "<url>new\\firmware.bin", 11, 5,
         "no \"/\" to a server");
     row("odd-address fragment", "<url>firmware.bin", "<url>firmware#2.bin", 11, 5, "asked for");

@@ -75,8 +75,10 @@ void baseWithoutSlash(const CatalogueTree& tree, const LintOptions&, FindingSink
 void doubledSlash(const CatalogueTree& tree, const LintOptions&, FindingSink& sink)
 {
     for (const CataloguePackage& package : tree.packages()) {
-        const QString url = textOf(package, DownloadManager::URL);
-        if (package.info.url.path().contains("//") && !isAbsolute(url)) {
+        // Two addresses in one have their own rule, which says more.
+        const bool isTwo = !textOf(package, DownloadManager::BASE_URL).isEmpty() &&
+                           isAbsolute(textOf(package, DownloadManager::URL));
+        if (package.info.url.path().contains("//") && !isTwo) {
             sink.addAt(package, DownloadManager::URL,
                        QString("The address \"%1\" has \"//\" in its path: many servers do not "
                                "find that file.")
