@@ -1,15 +1,11 @@
 #include "tests/tools/update-catalogue/GuideSentences.h"
 
-#include <QBuffer>
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include "client/internal/ForeignLanguageRows.h"
-#include "client/internal/OfferSelection.h"
 #include "client/internal/PackageTable.h"
-#include "download/DownloadManager.h"
+#include "tests/tools/update-catalogue/CatalogueFacts.h"
 #include "tests/tools/update-catalogue/LintRun.h"
-#include "tools/update-catalogue/Installation.h"
 
 namespace vx::test {
 
@@ -30,131 +26,6 @@ QStringList guideExamples()
 }
 
 namespace {
-
-using Fields = QMap<QString, QString>;
-
-QString package(Fields fields, const Fields& changes)
-{
-    for (auto change = changes.begin(); change != changes.end(); ++change) {
-        fields[change.key()] = *change;
-    }
-    QString text = "<package";
-    for (auto field = fields.begin(); field != fields.end(); ++field) {
-        text += QString(" %1=\"%2\"").arg(field.key(), *field);
-    }
-    return text + "/>";
-}
-
-/** A sound package of the application, with @p changes. */
-QString pkg(const Fields& changes = {})
-{
-    return package({{"name", "CameraManager"},
-                    {"release", "5.3"},
-                    {"status", "STABLE"},
-                    {"platform", "Mac64"},
-                    {"file-size", "1000000"},
-                    {"url", "http://h.example.com/a.mpkg.zip"}},
-                   changes);
-}
-
-/** Sound firmware for the camera "Dome-24", with @p changes. */
-QString firmware(const Fields& changes = {})
-{
-    return package({{"name", "Firmware"},
-                    {"release", "4.2"},
-                    {"status", "STABLE"},
-                    {"platform", "Dome-24"},
-                    {"language", "de en"},
-                    {"file-size", "1000000"},
-                    {"url", "http://h.example.com/a.bin"}},
-                   changes);
-}
-
-QString withNotes(const QString& attributes)
-{
-    return QString("<package><release-notes %1/></package>").arg(attributes);
-}
-
-QByteArray catalogue(const QString& packages)
-{
-    return ("<softwareList>" + packages + "</softwareList>").toUtf8();
-}
-
-PackageInfoList readBytes(QByteArray bytes)
-{
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::ReadOnly);
-    return DownloadManager::parseXML(&buffer);
-}
-
-PackageInfoList read(const QString& packages)
-{
-    return readBytes(catalogue(packages));
-}
-
-OfferCriteria installed(const QString& version)
-{
-    OfferCriteria criteria = defaultCriteria();
-    criteria.applicationName = "CameraManager";
-    criteria.versionNumber = VersionNumber(version.toStdString());
-    return criteria;
-}
-
-PackageInfoList offers(const QString& packages, const QString& version = "5.2")
-{
-    PackageInfoList list = read(packages);
-    return selectOffers(list, installed(version));
-}
-
-PackageInfoList offersBeta(const QString& packages, const QString& version = "5.2")
-{
-    PackageInfoList list = read(packages);
-    OfferCriteria criteria = installed(version);
-    criteria.checkForBeta = true;
-    return selectOffers(list, criteria);
-}
-
-PackageInfoList offersOn(const QString& platform, const QString& packages)
-{
-    PackageInfoList list = read(packages);
-    OfferCriteria criteria = installed("5.2");
-    criteria.supportedPlatforms = QStringList{platform};
-    return selectOffers(list, criteria);
-}
-
-PackageInfoList cameraOffers(const QString& packages)
-{
-    PackageInfoList list = read(packages);
-    OfferCriteria criteria = installed("99");
-    criteria.currentCameraVersions.append({"Dome-24", VersionNumber("4.1")});
-    return selectOffers(list, criteria);
-}
-
-quintptr sizeOf(const QString& text)
-{
-    return read(pkg({{"file-size", text}})).first().fileSize;
-}
-
-QString commentOf(const QString& markup)
-{
-    return read("<package><comment>" + markup + "</comment></package>").first().comment;
-}
-
-bool lintFinds(const QString& rule, const QString& packages)
-{
-    return rulesOf(lint(catalogue(packages))).contains(rule);
-}
-
-/** Whether lint finds that a package's file has @p bytes, and not the million that is announced. */
-bool fileIsFound(qint64 bytes)
-{
-    const QTemporaryDir folder;
-    QFile file(folder.filePath("a.mpkg.zip"));
-    LintOptions options = clientOptions();
-    options.files = folder.path();
-    return file.open(QIODevice::WriteOnly) && file.resize(bytes) &&
-           rulesOf(lint(catalogue(pkg()), options)).contains("size-mismatch");
-}
 
 bool inheritanceExampleIsAsSaid()
 {
@@ -342,8 +213,6 @@ const QList<GuideSentence>& guideSentences()
                             .first()
                             .relNotes.firstKey() == "de en";
          }},
-        {R"~(- A `.mpkg.zip` holds the installer bundle, a folder whose name ends in `.mpkg`, at its top: `zip -r CameraManager-5.3.mpkg.zip CameraManager-5.3.mpkg`. It is unpacked, and each such folder at the top is opened. Without one nothing happens.)~",
-         [] { return read(pkg()).first().packageType == "mpkg"; }},
         {R"~(Lint finds each of these with what stands in the catalogue; for the two sizes that are not those of the files it needs `--files` or `--check-urls`, and platform `Mac` may be meant.)~",
          [] {
              return lintFinds("no-size", pkg({{"file-size", ""}})) &&
