@@ -47,7 +47,9 @@ public:
      * either its former content or all of the new one, whatever happens meanwhile.
      *
      * In a folder that may not be written, the file itself is overwritten if that may. Then this
-     * protection is lost: a full disk or a crash leaves a part of the new content, or none.
+     * protection is lost: a full disk or a crash leaves a part of the new content, or none. A file
+     * of someone else in a folder where only its owner may replace it, such as the one for
+     * temporary files, keeps its content.
      *
      * @return whether the file has the new content.
      */

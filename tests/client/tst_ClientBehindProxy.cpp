@@ -23,6 +23,7 @@ private slots:
     void sendsAWrongPasswordOnce();
 
 private:
+    void checkWith(const QStringList& passwords, int refusedLogins);
     void check(ClientFixture& fixture, bool isTls, const Squid& squid, const QString& password);
 
     TlsRedirect m_server{308};
@@ -64,12 +65,8 @@ void ClientBehindProxyTest::check(ClientFixture& fixture, bool isTls, const Squi
     QVERIFY(fixture.check());
 }
 
-void ClientBehindProxyTest::logsIn_data()
-{
-    addRows();
-}
-
-void ClientBehindProxyTest::logsIn()
+/** A check with each of @p passwords in turn, of which the last is the right one. */
+void ClientBehindProxyTest::checkWith(const QStringList& passwords, int refusedLogins)
 {
     QFETCH(bool, isDigest);
     QFETCH(bool, isTls);
@@ -79,9 +76,24 @@ void ClientBehindProxyTest::logsIn()
     ClientFixture fixture;
     fixture.start();
     fixture.offer(nothingNew());
-    check(fixture, isTls, squid, "secret");
+    for (const QString& password : passwords) {
+        check(fixture, isTls, squid, password);
+        QCOMPARE(fixture.log.contains(3, timeoutLine), password != "secret");
+    }
     QVERIFY(fixture.log.contains(1, upToDateLine));
-    QCOMPARE(squid.refusedLogins(), 0);
+    // squid writes in order, so that the first check is in the log when the last one is.
+    QTRY_VERIFY(!squid.log().isEmpty() && squid.log().last().status < 400);
+    QCOMPARE(squid.refusedLogins(), refusedLogins);
+}
+
+void ClientBehindProxyTest::logsIn_data()
+{
+    addRows();
+}
+
+void ClientBehindProxyTest::logsIn()
+{
+    checkWith({"secret"}, 0);
 }
 
 void ClientBehindProxyTest::sendsAWrongPasswordOnce_data()
@@ -91,21 +103,7 @@ void ClientBehindProxyTest::sendsAWrongPasswordOnce_data()
 
 void ClientBehindProxyTest::sendsAWrongPasswordOnce()
 {
-    QFETCH(bool, isDigest);
-    QFETCH(bool, isTls);
-    Squid squid(isDigest ? Squid::Digest : Squid::Basic);
-    QVERIFY2(squid.start(), squid.output().constData());
-    const Trust trust(m_server.authority().certificate());
-    ClientFixture fixture;
-    fixture.start();
-    fixture.offer(nothingNew());
-    check(fixture, isTls, squid, "wrong");
-    QVERIFY(fixture.log.contains(3, timeoutLine));
-    check(fixture, isTls, squid, "secret");
-    QVERIFY(fixture.log.contains(1, upToDateLine));
-    // squid writes in order, so that the first check is in the log when the second one is.
-    QTRY_VERIFY(!squid.log().isEmpty() && squid.log().last().status < 400);
-    QCOMPARE(squid.refusedLogins(), 1);
+    checkWith({"wrong", "secret"}, 1);
 }
 
 VX_TEST_MAIN(ClientBehindProxyTest)

@@ -8,24 +8,57 @@
 using namespace vx;
 using namespace vx::test;
 
-// The lists grow with every client of the process, so that the order of these functions matters.
+/** What a client makes of a store. The lists grow with every client of the process. */
 class ClientFirstRunsTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void firstClientOnAnEmptyStore();
-    void secondClientDoublesTheLists();
-    void thirdClientTriplesTheLists();
+    void clientOnAnEmptyStore();
+    void eachClientAddsToTheLists();
+    void storedListsAreReplaced();
     void constantsHoldTheirTexts_data();
     void constantsHoldTheirTexts();
 };
 
-void ClientFirstRunsTest::firstClientOnAnEmptyStore()
+namespace {
+
+int clientsSoFar = 0;
+
+TestClient& startOne(ClientFixture& fixture)
+{
+    ++clientsSoFar;
+    return fixture.start();
+}
+
+/** @p words once for each client of the process. */
+QStringList perClient(const QStringList& words)
+{
+    QStringList list;
+    for (int i = 0; i < clientsSoFar; ++i) {
+        list += words;
+    }
+    return list;
+}
+
+const QStringList platforms = {"Mac32", "Mac64", "MacPP"};
+const QStringList packageTypes = {"mpkg", "dmg"};
+const QStringList installableTypes = {"mpkg"};
+
+void verifyStoredLists()
+{
+    QCOMPARE(stored("supportedPlatforms").toString(), perClient(platforms).join(','));
+    QCOMPARE(stored("supportedPackageTypes").toString(), perClient(packageTypes).join(','));
+    QCOMPARE(stored("installablePackageTypes").toString(), perClient(installableTypes).join(','));
+}
+
+} // namespace
+
+void ClientFirstRunsTest::clientOnAnEmptyStore()
 {
     ClientFixture fixture;
     QVERIFY(storedKeys().isEmpty());
-    TestClient& client = fixture.start();
+    TestClient& client = startOne(fixture);
 
     const SoftwareUpdateSettings record = client.record();
     QCOMPARE(record.product, QStringLiteral("Fixture Product"));
@@ -43,9 +76,7 @@ void ClientFirstRunsTest::firstClientOnAnEmptyStore()
                                 "product", "serverURL", "supportedPackageTypes",
                                 "supportedPlatforms", "updateInterval", "versionNumber"}));
     QCOMPARE(stored("doUpdateCheck").toString(), QStringLiteral("true"));
-    QCOMPARE(stored("supportedPlatforms").toString(), QStringLiteral("Mac32,Mac64,MacPP"));
-    QCOMPARE(stored("supportedPackageTypes").toString(), QStringLiteral("mpkg,dmg"));
-    QCOMPARE(stored("installablePackageTypes").toString(), QStringLiteral("mpkg"));
+    verifyStoredLists();
 
     QVERIFY(client.hourlyTimer()->isActive());
     QCOMPARE(client.hourlyTimer()->interval(), 3600000);
@@ -53,25 +84,22 @@ void ClientFirstRunsTest::firstClientOnAnEmptyStore()
     QVERIFY(!client.parent());
 }
 
-void ClientFirstRunsTest::secondClientDoublesTheLists()
+void ClientFirstRunsTest::eachClientAddsToTheLists()
 {
-    ClientFixture fixture;
-    fixture.start();
-    QCOMPARE(stored("supportedPlatforms").toString(),
-             QStringLiteral("Mac32,Mac64,MacPP,Mac32,Mac64,MacPP"));
-    QCOMPARE(stored("supportedPackageTypes").toString(), QStringLiteral("mpkg,dmg,mpkg,dmg"));
-    QCOMPARE(stored("installablePackageTypes").toString(), QStringLiteral("mpkg,mpkg"));
+    for (int i = 0; i < 2; ++i) {
+        ClientFixture fixture;
+        startOne(fixture);
+        verifyStoredLists();
+    }
 }
 
-void ClientFirstRunsTest::thirdClientTriplesTheLists()
+void ClientFirstRunsTest::storedListsAreReplaced()
 {
     ClientFixture fixture;
     writeStored("supportedPlatforms", "Elsewhere");
-    TestClient& client = fixture.start();
-    QCOMPARE(client.record().supportedPlatforms,
-             QStringList({"Mac32", "Mac64", "MacPP", "Mac32", "Mac64", "MacPP", "Mac32", "Mac64",
-                          "MacPP"}));
-    QCOMPARE(client.record().installablePackageTypes, QStringList({"mpkg", "mpkg", "mpkg"}));
+    TestClient& client = startOne(fixture);
+    QCOMPARE(client.record().supportedPlatforms, perClient(platforms));
+    QCOMPARE(client.record().installablePackageTypes, perClient(installableTypes));
 }
 
 void ClientFirstRunsTest::constantsHoldTheirTexts_data()

@@ -34,13 +34,24 @@ class MetaTypesTest : public QObject
     Q_OBJECT
 
 private slots:
-    // First, before anything else could have registered them.
+    void initTestCase();
     void registeredWhenTheLibraryIsLoaded();
     void registeredOnce();
     void constructsDefaultsAndCopies();
     void travelsThroughQueuedSignals();
     void travelsThroughQueuedCalls();
+
+private:
+    int m_package = 0;
+    int m_list = 0;
 };
+
+// Before anything here registers them.
+void MetaTypesTest::initTestCase()
+{
+    m_package = metaTypeId("vx::PackageInfo");
+    m_list = metaTypeId("vx::PackageInfoList");
+}
 
 void MetaTypesTest::registeredWhenTheLibraryIsLoaded()
 {
@@ -51,8 +62,8 @@ void MetaTypesTest::registeredWhenTheLibraryIsLoaded()
         QT_VERSION_MAJOR == 5 ? "vx::PackageInfoList" : "QList<vx::PackageInfo>";
     QCOMPARE(QByteArray(QMetaType(package).name()), QByteArray("vx::PackageInfo"));
     QCOMPARE(QByteArray(QMetaType(list).name()), listName);
-    QCOMPARE(metaTypeId("vx::PackageInfo"), package);
-    QCOMPARE(metaTypeId("vx::PackageInfoList"), list);
+    QCOMPARE(m_package, package);
+    QCOMPARE(m_list, list);
     QVERIFY(package < list);
 }
 

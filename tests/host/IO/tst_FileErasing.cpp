@@ -345,6 +345,9 @@ void FileErasingTest::failsWithoutRights()
     QVERIFY(isThere(file));
     QVERIFY(QFile::setPermissions(folder.path(),
                                   QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    // Nothing but the right was missing.
+    QVERIFY(eraseWithFileRights(file));
+    QVERIFY(!isThere(file));
 }
 
 VX_TEST_MAIN(FileErasingTest)
