@@ -37,8 +37,6 @@ TourSurroundings::TourSurroundings(const QString& language)
     }
     qputenv("LC_ALL", localeOf(language));
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    // Words of a set stand in the order of their hashes; pictures of two tours are to be alike.
-    qputenv("QT_HASH_SEED", "0");
     // This platform has larger letters than desktops have.
     qputenv("QT_FONT_DPI", "76");
     previousHandler = qInstallMessageHandler(dropPlatformComplaint);

@@ -99,6 +99,8 @@ int main(int argc, char** argv)
         surroundings = std::make_unique<TourSurroundings>(ahead.language);
     }
 
+    // Words of a set stand in the order of their hashes; the table is to be the same at each start.
+    qputenv("QT_HASH_SEED", "0");
     QApplication application(argc, argv);
     QApplication::setOrganizationName("Example");
     QApplication::setApplicationName("CameraManager");
