@@ -7,24 +7,14 @@
 #include <QDialog>
 #include <QDir>
 #include <QPixmap>
-#include <QTextBrowser>
 #include <QTextStream>
 
 #include "tools/screenshots/DialogScenes.h"
+#include "tools/screenshots/OrdinaryScreen.h"
 
 using namespace vx::screenshots;
 
 namespace {
-
-// The offscreen platform has a screen of 800 by 600, of which a new dialog takes two thirds at
-// most. An ordinary screen lets it open as its contents ask, with room for a comment.
-void openAsOnOrdinaryScreen(QDialog& dialog)
-{
-    if (const auto* comment = dialog.findChild<QTextBrowser*>()) {
-        const int room = comment->isHidden() ? comment->sizeHint().height() : 0;
-        dialog.resize(dialog.sizeHint() + QSize(0, room));
-    }
-}
 
 bool saveScene(const Scene& scene, const QString& path)
 {
@@ -60,7 +50,9 @@ int main(int argc, char** argv)
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
+    prepareOrdinaryScreen();
     const QApplication application(argc, argv);
+    useOrdinaryFont();
     QTextStream out(stdout);
     QTextStream err(stderr);
     const QStringList arguments = QCoreApplication::arguments();

@@ -5,6 +5,7 @@
 #include <QScopedPointer>
 
 #include "host/Core/Log.h"
+#include "tools/screenshots/OrdinaryScreen.h"
 #include "tools/update-catalogue/Command.h"
 
 namespace {
@@ -17,14 +18,30 @@ void silenceLog()
     }
 }
 
-/** Dates and hidden rows follow the system's language, which Qt reads before it reads options. */
-void useSystemLanguage(int argc, char** argv)
+/** What "--language" says, which Qt reads only after the language of the system. */
+QByteArray languageFrom(int argc, char** argv)
 {
-    for (int i = 2; i + 1 < argc; ++i) {
-        if (qstrcmp(argv[i], "--language") == 0) {
-            qputenv("LC_ALL", argv[i + 1]);
+    const QByteArray option = "--language";
+    QByteArray language = "en";
+    for (int i = 2; i < argc; ++i) {
+        const QByteArray argument = argv[i];
+        if (argument == option && i + 1 < argc) {
+            language = argv[i + 1];
+        } else if (argument.startsWith(option + '=')) {
+            language = argument.mid(option.size() + 1);
         }
     }
+    return language;
+}
+
+/** Dates and hidden rows follow the system's language; names of files stay in UTF-8. */
+void useAsSystemLanguage(const QByteArray& language)
+{
+    for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LC_NUMERIC", "LC_TIME"}) {
+        qunsetenv(variable);
+    }
+    qputenv("LANG", language);
+    qputenv("LC_CTYPE", "C.UTF-8");
 }
 
 QCoreApplication* createApplication(int& argc, char** argv)
@@ -35,7 +52,8 @@ QCoreApplication* createApplication(int& argc, char** argv)
     }
     // Pictures are made without a display, so that a release pipeline can make them, too.
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    useSystemLanguage(argc, argv);
+    vx::screenshots::prepareOrdinaryScreen();
+    useAsSystemLanguage(languageFrom(argc, argv));
     return new QApplication(argc, argv);
 }
 

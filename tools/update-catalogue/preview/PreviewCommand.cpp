@@ -1,23 +1,26 @@
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
+#include <QImage>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QPixmap>
 #include <QTableWidget>
 #include <QTranslator>
 
+#include "tools/screenshots/OrdinaryScreen.h"
 #include "tools/update-catalogue/CatalogueSource.h"
 #include "tools/update-catalogue/Commands.h"
 #include "tools/update-catalogue/Installation.h"
-#include "tools/update-catalogue/preview/ClippedText.h"
+#include "tools/update-catalogue/preview/PictureText.h"
 #include "tools/update-catalogue/preview/RealOffer.h"
+#include "tools/update-catalogue/preview/UnreachableText.h"
 
 namespace vx {
 
 namespace {
 
-/** What was drawn, and what does not fit. */
+/** What was drawn, and which of its texts nobody can read in full. */
 struct Pictures
 {
     QStringList files;
@@ -47,12 +50,17 @@ void installLanguage(const QString& language)
 
 void take(QDialog& dialog, const QString& path, Pictures& pictures)
 {
+    // What became visible is laid out only then, and asks for its room.
     QApplication::processEvents();
-    if (!dialog.grab().save(path)) {
+    screenshots::openAsOnOrdinaryScreen(dialog);
+    QApplication::processEvents();
+    QImage image = dialog.grab().toImage();
+    image.setText("Description", pictureText(dialog));
+    if (!image.save(path)) {
         throw CommandFailure(ExitUnreadable, QString("%1: cannot be written").arg(path));
     }
     pictures.files.append(path);
-    pictures.clipped += clippedTexts(dialog);
+    pictures.clipped += unreachableTexts(dialog);
 }
 
 int firstVisibleRow(const QTableWidget& table)
@@ -95,8 +103,10 @@ void print(const Pictures& pictures, bool asJson, Terminal& terminal)
         terminal.line(file);
     }
     for (const QString& text : pictures.clipped) {
-        terminal.line(QString("%1 \"%2\" does not fit where it is shown")
-                          .arg(terminal.coloured("warning:", Terminal::Yellow), text));
+        terminal.line(QString("%1 \"%2\" can't be read in full, not even on a screen of %3 by %4")
+                          .arg(terminal.coloured("warning:", Terminal::Yellow), text.simplified())
+                          .arg(screenshots::ordinaryScreen.width())
+                          .arg(screenshots::ordinaryScreen.height()));
     }
     if (pictures.files.isEmpty()) {
         terminal.line("Nothing is offered: the dialog does not open.");
@@ -109,6 +119,7 @@ ExitCode run(const QCommandLineParser& parser, Terminal& terminal)
         throw CommandFailure(ExitUsage, "preview takes one catalogue");
     }
     const Installation installation = installationFrom(parser);
+    screenshots::useOrdinaryFont();
     installLanguage(parser.value("language"));
     const CatalogueSource source = readCatalogue(parser.positionalArguments().first());
     const RealOffer offer(source.bytes, installation.criteria);

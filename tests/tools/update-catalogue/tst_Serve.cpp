@@ -1,8 +1,6 @@
-// Two commands that reach beyond the terminal, each as a user meets it: a server that is asked, and
-// pictures that are opened.
+// The server of "serve", asked as an application would.
 #include <QtTest>
 
-#include <QImage>
 #include <QJsonArray>
 #include <QNetworkAccessManager>
 #include <QNetworkProxy>
@@ -15,12 +13,9 @@
 
 using vx::test::runWorkbench;
 using vx::test::sampleCatalogue;
-using vx::test::WorkbenchRun;
 using vx::test::writeFile;
 
 namespace {
-
-const QStringList appOne{"--application", "App", "--version", "1.0", "--camera", "CAM-1=4.0"};
 
 QByteArray get(QNetworkAccessManager& manager, const QUrl& url)
 {
@@ -31,7 +26,7 @@ QByteArray get(QNetworkAccessManager& manager, const QUrl& url)
 
 } // namespace
 
-class ServeAndPreviewTest : public QObject
+class ServeTest : public QObject
 {
     Q_OBJECT
 
@@ -39,15 +34,12 @@ private slots:
     void servesAFolderAndActsAsProxy();
     void servesWithJson();
     void listsScenarios();
-    void drawsTheDialog_data();
-    void drawsTheDialog();
-    void drawsNothingWithoutAnOffer();
 
 private:
     QTemporaryDir m_folder;
 };
 
-void ServeAndPreviewTest::servesAFolderAndActsAsProxy()
+void ServeTest::servesAFolderAndActsAsProxy()
 {
     writeFile(m_folder.path(), "catalogue.xml", sampleCatalogue());
     writeFile(m_folder.path(), "App.mpkg.zip", "0123456789");
@@ -73,7 +65,7 @@ void ServeAndPreviewTest::servesAFolderAndActsAsProxy()
     QCOMPARE(server.exitCode(), 0);
 }
 
-void ServeAndPreviewTest::servesWithJson()
+void ServeTest::servesWithJson()
 {
     writeFile(m_folder.path(), "catalogue.xml", sampleCatalogue());
     QProcess server;
@@ -94,7 +86,7 @@ void ServeAndPreviewTest::servesWithJson()
     QCOMPARE(server.exitCode(), 0);
 }
 
-void ServeAndPreviewTest::listsScenarios()
+void ServeTest::listsScenarios()
 {
     const QString list = runWorkbench({"serve", "--list"}).output;
     for (const char* name :
@@ -110,43 +102,5 @@ void ServeAndPreviewTest::listsScenarios()
     QCOMPARE(scenarios.size(), list.count('\n'));
 }
 
-void ServeAndPreviewTest::drawsTheDialog_data()
-{
-    QTest::addColumn<QString>("language");
-
-    QTest::newRow("English") << "en";
-    QTest::newRow("German") << "de";
-    QTest::newRow("French") << "fr";
-}
-
-void ServeAndPreviewTest::drawsTheDialog()
-{
-    QFETCH(QString, language);
-
-    const QString out = m_folder.filePath("pictures");
-    const WorkbenchRun run = runWorkbench(
-        QStringList{"preview", "--json", "-", "--language", language, "--out", out} + appOne,
-        sampleCatalogue());
-    const QStringList pictures{out + "/update-available-" + language + ".png",
-                               out + "/update-available-" + language + "-selected.png"};
-    QCOMPARE(run.json()["pictures"].toArray(), QJsonArray::fromStringList(pictures));
-    QCOMPARE(run.exitCode, run.json()["clipped"].toArray().isEmpty() ? 0 : 1);
-    const QImage plain(pictures.at(0));
-    const QImage selected(pictures.at(1));
-    QVERIFY(plain.width() >= 550);
-    QVERIFY(!selected.isNull());
-    QVERIFY(plain != selected);
-}
-
-void ServeAndPreviewTest::drawsNothingWithoutAnOffer()
-{
-    const WorkbenchRun run = runWorkbench({"preview", "-", "--application", "App", "--version", "9",
-                                           "--out", m_folder.filePath("none")},
-                                          sampleCatalogue());
-    QCOMPARE(run.exitCode, 1);
-    QVERIFY(run.output.contains("Nothing is offered"));
-    QVERIFY(!QFile::exists(m_folder.filePath("none")));
-}
-
-VX_TEST_MAIN(ServeAndPreviewTest)
-#include "tst_ServeAndPreview.moc"
+VX_TEST_MAIN(ServeTest)
+#include "tst_Serve.moc"
