@@ -66,10 +66,10 @@ class Checker:
         return result.stdout
 
     def check_cmake(self, code):
+        known = ("project", "find_package", "add_executable", "add_library", "add_subdirectory",
+                 "target_link_libraries", "target_link_options")
         project = ("cmake_minimum_required(VERSION 3.20)\nproject(Block LANGUAGES NONE)\n"
-                   "function(find_package)\nendfunction()\nfunction(add_library)\nendfunction()\n"
-                   "function(target_link_libraries)\nendfunction()\n"
-                   "function(target_link_options)\nendfunction()\n" + code)
+                   + "".join(f"function({name})\nendfunction()\n" for name in known) + code)
         with tempfile.TemporaryDirectory() as folder:
             with open(os.path.join(folder, "CMakeLists.txt"), "w", encoding="utf-8") as lists:
                 lists.write(project)
