@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Stands before the compiler: takes an object that another build has made of the same source by the
-same command, and compiles only what there is none for.
+"""Stands before the compiler: takes an object that another build, which has to be up to date, has
+made of the same source by the same command, and compiles only what there is none for.
 
 Usage: REUSE_BUILD=DIR REUSE_SOURCE=DIR REUSE_OWN_BUILD=DIR REUSE_OWN_SOURCE=DIR
        reuse_object.py COMPILER ARGUMENT...
