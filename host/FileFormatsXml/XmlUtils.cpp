@@ -32,6 +32,32 @@ QByteArray readDocument(QIODevice* device)
     throw ParseException(QStringLiteral("The document is too large."));
 }
 
+bool isBlankSection(const QDomNode& node)
+{
+    return node.isCDATASection() && node.nodeValue().trimmed().isEmpty();
+}
+
+/** Takes the CDATA sections of white space alone out of @p parent and what is below it. */
+void removeBlankSections(QDomNode parent)
+{
+    QDomNode child = parent.firstChild();
+    while (!child.isNull()) {
+        const QDomNode next = child.nextSibling();
+        if (isBlankSection(child)) {
+            parent.removeChild(child);
+        } else {
+            removeBlankSections(child);
+        }
+        child = next;
+    }
+}
+
+/** Whether @p text may hold CDATA sections, be it by way of an entity. */
+bool mayHoldSections(const QString& text)
+{
+    return text.contains(QLatin1String("<![CDATA[")) || text.contains(QLatin1String("<!ENTITY"));
+}
+
 // Not the parser that reads bytes by default: that one is lax about characters and references, and
 // its time grows with the square of the number of entities.
 QDomDocument build(const QString& text)
@@ -46,6 +72,11 @@ QDomDocument build(const QString& text)
     if (!document.setContent(&reader, false, &reason, &line, &column)) {
         throw ParseException(
             QStringLiteral("Line %1, column %2: %3").arg(line).arg(column).arg(reason));
+    }
+    if (mayHoldSections(text)) {
+        // White space alone is left out by the parser of Qt 5, however it is written. That of Qt 6
+        // keeps it in a CDATA section, and a field would hold blanks.
+        removeBlankSections(document);
     }
     return document;
 }

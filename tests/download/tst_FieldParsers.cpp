@@ -17,7 +17,12 @@ constexpr quintptr megabyte = 1048576;
 QDateTime parsedByQt(const QString& text)
 {
     const QDateTime withTime = QDateTime::fromString(text, "yyyy-MM-dd hh:mm:ss");
-    return withTime.isValid() ? withTime : QDateTime::fromString(text, "yyyy-MM-dd");
+    const QDateTime day = QDateTime::fromString(text, "yyyy-MM-dd");
+    if (withTime.isValid()) {
+        return withTime;
+    }
+    // Qt 6 begins a day without midnight later.
+    return day.isValid() && day.time() == QTime(0, 0) ? day : QDateTime();
 }
 
 /** Lives in another time zone, for the library and for Qt, until destroyed. */
@@ -74,6 +79,10 @@ private slots:
     void releaseDate();
     void datesAgreeWithQt_data();
     void datesAgreeWithQt();
+    void skippedTimesAreNone_data();
+    void skippedTimesAreNone();
+    void repeatedTimesKeepTheirText_data();
+    void repeatedTimesKeepTheirText();
     void repeatedHourAgreesWithQt_data();
     void repeatedHourAgreesWithQt();
     void oddDatesAgreeWithQt_data();
@@ -225,6 +234,62 @@ void FieldParsersTest::datesAgreeWithQt()
             QVERIFY2(agree(withTime), qPrintable(withTime));
         }
     }
+}
+
+void FieldParsersTest::skippedTimesAreNone_data()
+{
+    QTest::addColumn<QByteArray>("zone");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("exists");
+
+    const auto add = [](const char* zone, const char* text, bool exists) {
+        QTest::addRow("%s, %s", zone, text) << QByteArray(zone) << QString(text) << exists;
+    };
+    add("Europe/Berlin", "2024-03-31", true);
+    add("Europe/Berlin", "2024-03-31 01:59:59", true);
+    add("Europe/Berlin", "2024-03-31 02:00:00", false);
+    add("Europe/Berlin", "2024-03-31 02:30:00", false);
+    add("Europe/Berlin", "2024-03-31 03:00:00", true);
+    add("America/Sao_Paulo", "2018-11-03", true);
+    add("America/Sao_Paulo", "2018-11-04", false);
+    add("America/Sao_Paulo", "2018-11-04 00:30:00", false);
+    add("America/Sao_Paulo", "2018-11-04 01:00:00", true);
+    add("Asia/Beirut", "2011-03-27", false);
+    add("Pacific/Apia", "2011-12-30", false); // the whole day
+    add("Pacific/Apia", "2011-12-30 12:00:00", false);
+    add("Pacific/Apia", "2011-12-31", true);
+}
+
+// The date is part of what a package is known by, so that no Qt may put another time in its place.
+void FieldParsersTest::skippedTimesAreNone()
+{
+    QFETCH(QByteArray, zone);
+    QFETCH(QString, text);
+    QFETCH(bool, exists);
+    const TimeZone timeZone(zone.constData());
+    const QDateTime date = DownloadManager::parseReleaseDate(text);
+    QCOMPARE(date.isValid(), exists);
+    QCOMPARE(date.isNull(), !exists);
+    QCOMPARE(date.toString("yyyy-MM-dd hh:mm:ss").left(text.size()), exists ? text : QString());
+}
+
+void FieldParsersTest::repeatedTimesKeepTheirText_data()
+{
+    QTest::addColumn<QByteArray>("zone");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("hour") << QByteArray("Europe/Berlin") << "2024-10-27 02:30:00";
+    QTest::newRow("half an hour") << QByteArray("Australia/Lord_Howe") << "2018-04-01 01:45:00";
+    QTest::newRow("midnight") << QByteArray("America/Havana") << "2015-11-01 00:00:00";
+}
+
+void FieldParsersTest::repeatedTimesKeepTheirText()
+{
+    QFETCH(QByteArray, zone);
+    QFETCH(QString, text);
+    const TimeZone timeZone(zone.constData());
+    const QDateTime date = DownloadManager::parseReleaseDate(text);
+    QVERIFY(date.isValid());
+    QCOMPARE(date.toString("yyyy-MM-dd hh:mm:ss"), text);
 }
 
 void FieldParsersTest::repeatedHourAgreesWithQt_data()

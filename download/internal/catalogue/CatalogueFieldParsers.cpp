@@ -157,7 +157,10 @@ QDateTime CatalogueFieldParsers::parseReleaseDate(const QString& text)
     if (withTime.isValid()) {
         return withTime;
     }
-    return QDateTime::fromString(text, QStringLiteral("yyyy-MM-dd"));
+    const QDateTime day = QDateTime::fromString(text, QStringLiteral("yyyy-MM-dd"));
+    // Where the clocks are put forward at midnight, Qt 6 begins the day at one o'clock. For Qt 5
+    // there is no such time, and a release would have another identity for either.
+    return day.isValid() && day.time() == QTime(0, 0) ? day : QDateTime();
 }
 
 QString CatalogueFieldParsers::parsePackageSuffix(const QString& name)

@@ -186,6 +186,33 @@ void XmlUtilsTest::readsText_data()
     QTest::newRow("comment between") << QByteArray("<a>b<!-- x -->c</a>") << QStringLiteral("bc");
     QTest::newRow("CDATA") << QByteArray("<a>b<![CDATA[<&>]]>c</a>") << QStringLiteral("b<&>c");
     QTest::newRow("empty element") << QByteArray("<a/>") << QString();
+    QTest::newRow("white space alone") << QByteArray("<a> \t\r\n</a>") << QString();
+    QTest::newRow("white space between elements")
+        << QByteArray("<a> <b>x</b> <c> </c> </a>") << QStringLiteral("x");
+    QTest::newRow("references to white space")
+        << QByteArray("<a>&#32;&#x9;&#10;&#13;</a>") << QString();
+    QTest::newRow("white space to be preserved")
+        << QByteArray("<a xml:space='preserve'>  </a>") << QString();
+    QTest::newRow("white space as an entity")
+        << QByteArray("<!DOCTYPE a [<!ENTITY e ' '>]><a>&e;</a>") << QString();
+    QTest::newRow("white space in CDATA") << QByteArray("<a><![CDATA[ \t\n]]></a>") << QString();
+    QTest::newRow("white space in CDATA between texts")
+        << QByteArray("<a>b<![CDATA[ ]]>c</a>") << QStringLiteral("bc");
+    QTest::newRow("white space in CDATA, nested")
+        << QByteArray("<a><b><c><![CDATA[  ]]></c>x<![CDATA[ ]]></b></a>") << QStringLiteral("x");
+    QTest::newRow("white space in CDATA in an entity")
+        << QByteArray("<!DOCTYPE a [<!ENTITY e '<![CDATA[ ]]>'>]><a>&e;</a>") << QString();
+    QTest::newRow("white space in CDATA around text")
+        << QByteArray("<a> <![CDATA[ b ]]> </a>") << QStringLiteral(" b ");
+    // What counts as white space is more than XML says.
+    QTest::newRow("other spaces in CDATA")
+        << QByteArray("<a><![CDATA[\xc2\x85\xc2\xa0\xe2\x80\xa8\xe3\x80\x80]]></a>") << QString();
+    QTest::newRow("no space in CDATA")
+        << QByteArray("<a><![CDATA[\xe2\x80\x8b]]></a>") << QString(QChar(0x200b));
+    QTest::newRow("empty CDATA") << QByteArray("<a><![CDATA[]]></a>") << QString();
+    QTest::newRow("character beyond the first plane")
+        << QByteArray("<a>&#x1F4F7;\xf0\x9f\x93\xb7</a>")
+        << QString::fromUtf8("\xf0\x9f\x93\xb7\xf0\x9f\x93\xb7");
     QTest::newRow("entity") << QByteArray("<!DOCTYPE a [<!ENTITY e 'two'>]><a>one &e;</a>")
                             << QStringLiteral("one two");
     QTest::newRow("entity in entity")
@@ -243,6 +270,12 @@ void XmlUtilsTest::refusesWhatIsNotWellFormed_data()
     row("NUL bytes only", QByteArray(100, '\0'));
     row("control character", "<a>\x01</a>");
     row("no character", "<a>\xef\xbf\xbf</a>");
+    row("reference to no character", "<a>&#xFFFE;</a>");
+    row("reference to a surrogate", "<a>&#xD800;</a>");
+    row("reference to a control character", "<a>&#11;</a>");
+    row("other version", "<?xml version='1.1'?><a/>");
+    row("standalone perhaps", "<?xml version='1.0' standalone='perhaps'?><a/>");
+    row("two colons in a name", "<a:b:c/>");
     row("double hyphen in a comment", "<a><!-- b -- c --></a>");
     row("]]> in text", "<a>]]></a>");
     row("declaration not at the start", " <?xml version='1.0'?><a/>");
