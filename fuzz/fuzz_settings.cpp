@@ -101,7 +101,7 @@ bool holdsTimeOutOfReach(const QByteArray& bytes)
     static const QRegularExpression ordinaryKey(QStringLiteral(R"(^[\w-]+(\\[\w-]+)*$)"));
     static const QRegularExpression ordinaryGroup(QStringLiteral(R"(^\[[\w-]+\]$)"));
     for (const QByteArray& line : bytes.split('\n')) {
-        const QByteArray key = line.left(std::max(line.indexOf('='), 0));
+        const QByteArray key = line.left(std::max(int(line.indexOf('=')), 0));
         const bool isOddGroup = line.startsWith('[') && !matches(ordinaryGroup, line);
         const bool isOddTime = line.contains("@DateTime(") && !matches(ordinaryKey, key);
         if (isOddGroup || isOddTime) {

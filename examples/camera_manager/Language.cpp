@@ -1,9 +1,10 @@
 #include "examples/camera_manager/Language.h"
 
 #include <QCoreApplication>
-#include <QLibraryInfo>
 #include <QLocale>
 #include <QTranslator>
+
+#include "host/CoreQt/QtVersions.h"
 
 namespace {
 
@@ -27,6 +28,5 @@ void installLanguage(const QString& language)
     // The library carries its catalogues and leaves it to the application to install one.
     install(QStringLiteral("SoftwareUpdateClient_%1.qm").arg(chosen), ":/Translations");
     install(QStringLiteral("UpdateTrust_%1.qm").arg(chosen), ":/trust");
-    install(QStringLiteral("qtbase_%1").arg(chosen),
-            QLibraryInfo::location(QLibraryInfo::TranslationsPath));
+    install(QStringLiteral("qtbase_%1").arg(chosen), vx::qtTranslationsFolder());
 }

@@ -22,12 +22,13 @@ QWidget* visibleWindowNamed(const char* name)
 /** Posted, not sent: what a click opens may have an event loop of its own. */
 void postClick(QWidget* widget, const QPoint& where)
 {
+    const QPoint global = widget->mapToGlobal(where);
     QCoreApplication::postEvent(widget,
-                                new QMouseEvent(QEvent::MouseButtonPress, where, Qt::LeftButton,
-                                                Qt::LeftButton, Qt::NoModifier));
+                                new QMouseEvent(QEvent::MouseButtonPress, where, global,
+                                                Qt::LeftButton, Qt::LeftButton, Qt::NoModifier));
     QCoreApplication::postEvent(widget,
-                                new QMouseEvent(QEvent::MouseButtonRelease, where, Qt::LeftButton,
-                                                Qt::NoButton, Qt::NoModifier));
+                                new QMouseEvent(QEvent::MouseButtonRelease, where, global,
+                                                Qt::LeftButton, Qt::NoButton, Qt::NoModifier));
 }
 
 QStringList rowTexts(const QTableWidget* table, int row)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QLibraryInfo>
 #include <QLocale>
 #include <QMap>
 #include <QMetaType>
@@ -77,6 +78,12 @@ inline void setUtf8(QSettings& store, bool isUtf8)
     store.setIniCodec(isUtf8 ? QTextCodec::codecForName("UTF-8") : nullptr);
 }
 
+/** Where Qt keeps the translations of its own texts. */
+inline QString qtTranslationsFolder()
+{
+    return QLibraryInfo::location(QLibraryInfo::TranslationsPath);
+}
+
 /** Whether @p value is missing, or a text or a time that is null. */
 inline bool isNullValue(const QVariant& value)
 {
@@ -125,6 +132,11 @@ inline void useUtf8(QTextStream& stream)
 
 // Qt 6 takes them for nothing else.
 inline void setUtf8(QSettings&, bool) {}
+
+inline QString qtTranslationsFolder()
+{
+    return QLibraryInfo::path(QLibraryInfo::TranslationsPath);
+}
 
 inline bool isNullValue(const QVariant& value)
 {

@@ -152,7 +152,7 @@ void SettingsDialogActionsTest::appliesByRole()
     dialog.show();
     const QSignalSpy applied(&dialog, SIGNAL(applySettings(SoftwareUpdateDialogSettings)));
     QTest::mouseClick(box.button(standard), Qt::LeftButton);
-    QTEST(applied.count(), "applied");
+    QTEST(int(applied.count()), "applied");
 }
 
 void SettingsDialogActionsTest::appliesOnDirectCall()

@@ -139,7 +139,7 @@ void DownloadFaultsTest::serverFaultsEndInFailure()
     QTRY_COMPARE(m_events->list.size(), 3);
     QCOMPARE(m_events->list.at(1), QString("downloadFailure camera a.zip"));
     QCOMPARE(m_events->list.at(2), QStringLiteral("downloadFailure %1").arg(status));
-    QTEST(contentOf(path("a.zip")).size(), "onDisk");
+    QTEST(int(contentOf(path("a.zip")).size()), "onDisk");
     QVERIFY(m_watch->allFreed());
     QVERIFY(!m_engine->isQueryBusy());
     QCOMPARE(warnings.join("|"), QString());

@@ -363,7 +363,7 @@ void DownloadManagerInterfaceTest::setProxyParsesAndRemembers()
     QCOMPARE(int(engine.server().proxyPreference), preference);
     QTEST(engine.server().proxy.address, "address");
     QTEST(engine.server().proxy.port, "port");
-    QTEST(HttpAccessHistory::proxies.entries().size(), "remembered");
+    QTEST(int(HttpAccessHistory::proxies.entries().size()), "remembered");
 }
 
 void DownloadManagerInterfaceTest::queryUrlIsTheServerAlone()

@@ -372,7 +372,7 @@ void PackageDownloadTest::progressIsPassedOn()
                             path("a.zip"));
     QTRY_COMPARE(m_events->count("downloadSuccess"), 2);
     QVERIFY(!m_events->progress.isEmpty());
-    QCOMPARE(m_events->progress.last(), qMakePair(content.size(), content.size()));
+    QCOMPARE(m_events->progress.last(), qMakePair(int(content.size()), int(content.size())));
     for (const auto& step : qAsConst(m_events->progress)) {
         QVERIFY(step.first <= step.second);
         QCOMPARE(step.second, content.size());

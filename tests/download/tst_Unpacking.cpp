@@ -2,6 +2,8 @@
 #include <QTextDocumentFragment>
 #include <QtTest>
 
+#include <memory>
+
 #include "host/FileFormatsZip/Unzipper.h"
 #include "tests/download/EngineEvents.h"
 #include "tests/download/EngineProbe.h"
@@ -55,7 +57,7 @@ private:
     void start(const QString& file);
 
     QScopedPointer<QTemporaryDir> m_folder;
-    QScopedPointer<EngineProbe> m_engine;
+    std::unique_ptr<EngineProbe> m_engine;
     QScopedPointer<EngineEvents> m_events;
     // Jobs live until the process ends; the tests take them away at their own end.
     QList<QPointer<Unzipper>> m_jobs;
@@ -66,7 +68,7 @@ void UnpackingTest::init()
 {
     m_folder.reset(new QTemporaryDir);
     m_engine.reset(new EngineProbe);
-    m_events.reset(new EngineEvents(m_engine.data()));
+    m_events.reset(new EngineEvents(m_engine.get()));
     m_goodArchive = ZipBuilder({file("a.txt", "one"), file("sub/b.txt", "two")}).bytes();
 }
 
@@ -101,7 +103,7 @@ void UnpackingTest::successIsReportedOnce()
     start(file);
     QSignalSpy job(m_engine->unzipper, SIGNAL(unzippingDone(QString)));
     bool archiveWasThere = true;
-    connect(m_engine.data(), &DownloadManager::unzippingDone, this,
+    connect(m_engine.get(), &DownloadManager::unzippingDone, this,
             [&] { archiveWasThere = QFile::exists(file); });
     QCOMPARE(m_events->list, QStringList());
     QTRY_COMPARE(m_events->list, QStringList("unzippingDone"));
@@ -118,7 +120,7 @@ void UnpackingTest::successIsReportedOnce()
 void UnpackingTest::connectionAfterTheCallMissesNothing()
 {
     start(archive(m_goodArchive));
-    const EngineEvents late(m_engine.data());
+    const EngineEvents late(m_engine.get());
     QTRY_COMPARE(late.list, QStringList("unzippingDone"));
 }
 
@@ -268,8 +270,8 @@ void UnpackingTest::jobOutlivesItsEngine()
 void UnpackingTest::engineMayGoWithTheReport()
 {
     start(archive(m_goodArchive));
-    connect(m_engine.data(), SIGNAL(unzippingDone(QString)), m_engine.data(), SLOT(deleteLater()));
-    QPointer<EngineProbe> engine(m_engine.take());
+    connect(m_engine.get(), SIGNAL(unzippingDone(QString)), m_engine.get(), SLOT(deleteLater()));
+    QPointer<EngineProbe> engine(m_engine.release());
     QTRY_VERIFY(engine.isNull());
     QCOMPARE(m_events->list, QStringList("unzippingDone"));
 }

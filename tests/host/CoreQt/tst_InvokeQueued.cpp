@@ -16,10 +16,8 @@ struct Parcel
 
 using ParcelList = QList<Parcel>;
 
-struct Unregistered
-{
-    int value = 0;
-};
+/** Defined nowhere: Qt 6 registers by itself what a slot takes and is defined. */
+struct Unregistered;
 
 class Receiver : public QObject
 {
@@ -44,7 +42,7 @@ public slots:
     void nothing() { calls << QStringLiteral("nothing"); }
     void withDefault(int a, int b = 5) { calls << QStringLiteral("%1 %2").arg(a).arg(b); }
     void foreign(vx::Parcel) { calls << QStringLiteral("foreign"); }
-    void alien(vx::Unregistered) { calls << QStringLiteral("alien"); }
+    void alien(const vx::Unregistered&) { calls << QStringLiteral("alien"); }
     void ten(int a, int b, int c, int d, int e, int f, int g, int h, int i, const QString& j)
     {
         calls << QStringLiteral("%1 %2").arg(a + b + c + d + e + f + g + h + i).arg(j);
@@ -262,7 +260,9 @@ void InvokeQueuedTest::refusesAnotherTypeOfThatName()
 void InvokeQueuedTest::warnsOfAnUnregisteredType()
 {
     warning("unregistered datatype");
-    vx::invokeQueued(m_receiver.get(), "alien", Q_ARG(vx::Unregistered, vx::Unregistered()));
+    const int anything = 0;
+    vx::invokeQueued(m_receiver.get(), "alien",
+                     Q_ARG(vx::Unregistered, reinterpret_cast<const vx::Unregistered&>(anything)));
     QVERIFY(callsAfterEvents().isEmpty());
 }
 

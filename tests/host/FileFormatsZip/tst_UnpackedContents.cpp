@@ -3,6 +3,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <iterator>
+
 #include <sys/stat.h>
 
 #include "tests/host/FileFormatsZip/Unpacking.h"
@@ -17,7 +19,7 @@ QMap<QByteArray, QByteArray> linksOf(const QString& folder)
 {
     QMap<QByteArray, QByteArray> links = treeOf(folder);
     for (auto it = links.begin(); it != links.end();) {
-        it = it->startsWith("link ") ? it + 1 : links.erase(it);
+        it = it->startsWith("link ") ? std::next(it) : links.erase(it);
     }
     return links;
 }

@@ -131,8 +131,8 @@ void HttpClientRedirectsTest::stopsAfterTwenty()
         client.get("/0", &receiver, SLOT(queryResult(RequestPtr)), ownBuffer());
     QTRY_COMPARE(receiver.results.size(), 1);
     QTEST(request->statusCode, "status");
-    QTEST(server.requests().size(), "asked");
-    QTEST(request->requestUrls.size(), "asked");
+    QTEST(int(server.requests().size()), "asked");
+    QTEST(int(request->requestUrls.size()), "asked");
     QCOMPARE(request->requestUrls.last(), QUrl::fromEncoded(server.url("/20")));
     QCOMPARE(request->getResponseText(), QString(request->statusCode == 200 ? "body" : ""));
 }
