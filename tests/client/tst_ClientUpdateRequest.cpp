@@ -8,6 +8,8 @@
 #include "dialogs/SoftwareUpdateDialog.h"
 #include "host/NodeDB/NodeDB.h"
 #include "tests/client/ClientFixture.h"
+#include "tests/host/NetworkHttp/CertificateAuthority.h"
+#include "tests/host/NetworkHttp/Daemon.h"
 #include "tests/support/TestMain.h"
 
 using namespace vx;
@@ -37,6 +39,7 @@ private slots:
     void asksForTheAddressAsItStands_data();
     void asksForTheAddressAsItStands();
     void sendsAContentTypeAndNoBody();
+    void speaksNoHttp2();
     void addressOfTheDialogCounts();
     void dialogChecksEvenWhenCheckingIsOff();
     void emptyAddressEndsInAnError();
@@ -88,6 +91,20 @@ void ClientUpdateRequestTest::sendsAContentTypeAndNoBody()
     QCOMPARE(headers.value("content-type"), QByteArray("text/xml"));
     QVERIFY(!headers.contains("content-length"));
     QVERIFY(fixture.log.contains(1, performed + fixture.server.url().toString()));
+}
+
+void ClientUpdateRequestTest::speaksNoHttp2()
+{
+    TlsNginx nginx;
+    QVERIFY(nginx.makeCertificate());
+    QVERIFY2(nginx.start(), nginx.output().constData());
+    const Trust trust(QSslCertificate::fromPath(nginx.certificate()).value(0));
+    ClientFixture fixture;
+    fixture.start();
+    writeStored("serverURL", QStringLiteral("https://127.0.0.1:%1/list").arg(nginx.port()));
+    fixture.client().checkForUpdate();
+    QTRY_VERIFY2(nginx.accessLog().contains("\"GET /list HTTP/1.1\""),
+                 nginx.accessLog().constData());
 }
 
 void ClientUpdateRequestTest::addressOfTheDialogCounts()

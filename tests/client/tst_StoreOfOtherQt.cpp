@@ -19,6 +19,8 @@ private slots:
     void reads();
     void keepsTheValuesOfOthers_data() { addFiles(); }
     void keepsTheValuesOfOthers();
+    void writesTheFileOfItsOwn_data() { addFiles(); }
+    void writesTheFileOfItsOwn();
 
 private:
     static void addFiles();
@@ -89,6 +91,27 @@ void StoreOfOtherQtTest::keepsTheValuesOfOthers()
              QString::fromUtf8("Wächter \xF0\x9F\x93\xB7 abc"));
     QCOMPARE(store.value("others/list").toStringList(),
              QStringList({QString::fromUtf8("é, ü"), "b"}));
+}
+
+// What this Qt writes is one of the two files that both of them read.
+void StoreOfOtherQtTest::writesTheFileOfItsOwn()
+{
+    QFETCH(QString, name);
+    QVERIFY(QFile::copy(QFINDTESTDATA("stores/" + name), storeFile()));
+    TestClient client("Camera Manager", VersionNumber("5.2.1"), "http://default.example.com/",
+                      nullptr);
+    SoftwareUpdateSettings record = client.record();
+    // Every client of a process adds its words once more.
+    record.supportedPlatforms = QStringList({"Mac32", "Mac64", "MacPP"});
+    record.supportedPackageTypes = QStringList({"mpkg", "dmg"});
+    record.installablePackageTypes = QStringList("mpkg");
+    client.store(record);
+
+    QFile written(storeFile());
+    QVERIFY(written.open(QIODevice::ReadOnly));
+    QFile expected(QFINDTESTDATA(QString("stores/written-by-qt%1.ini").arg(QT_VERSION_MAJOR)));
+    QVERIFY(expected.open(QIODevice::ReadOnly));
+    QCOMPARE(written.readAll(), expected.readAll());
 }
 
 VX_TEST_MAIN(StoreOfOtherQtTest)

@@ -171,8 +171,15 @@ bool Nginx::addFile(const QString& name, qint64 size, const QByteArray& mark)
 }
 
 TlsNginx::TlsNginx()
-    : Nginx("ssl; ssl_certificate %2/certificate.pem; ssl_certificate_key %2/key.pem")
+    : Nginx("ssl http2; ssl_certificate %2/certificate.pem; ssl_certificate_key %2/key.pem; "
+            "access_log %2/access.log")
 {}
+
+QByteArray TlsNginx::accessLog() const
+{
+    QFile file(folder() + "/access.log");
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
 
 bool TlsNginx::makeCertificate()
 {

@@ -73,7 +73,10 @@ protected:
     explicit Nginx(const QString& listenOptions);
 };
 
-/** nginx that serves by https, with a certificate for 127.0.0.1 that nobody else knows. */
+/**
+ * nginx that serves by https, with a certificate for 127.0.0.1 that nobody else knows. It speaks
+ * HTTP/2 with whoever offers to.
+ */
 class TlsNginx : public Nginx
 {
 public:
@@ -84,6 +87,9 @@ public:
 
     /** Path of the certificate. */
     QString certificate() const { return folder() + "/certificate.pem"; }
+
+    /** A line for each request that has ended, with its method, path and version of HTTP. */
+    QByteArray accessLog() const;
 };
 
 /** tinyproxy; asks for user and password unless @p user is empty. */

@@ -1,3 +1,5 @@
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
 #include <QSslCertificate>
 #include <QtTest>
 
@@ -21,6 +23,7 @@ private slots:
     void asksOnlyWhomItTrusts();
     void followsARedirectToHttps_data();
     void followsARedirectToHttps();
+    void speaksNoHttp2();
 
 private:
     RequestPtr ask(const vx::HttpHost& host);
@@ -94,6 +97,23 @@ void HttpClientTlsTest::followsARedirectToHttps()
     QTEST(request->statusCode, "status");
     QTEST(request->getResponseText(), "text");
     QCOMPARE(request->requestUrls.last(), QUrl::fromEncoded(target));
+}
+
+// Which one is offered differs from one Qt to the next; whoever offers both gets the second here.
+void HttpClientTlsTest::speaksNoHttp2()
+{
+    const Trust trust(m_certificate);
+    QNetworkAccessManager manager;
+    QNetworkRequest both(QUrl(QString("https://127.0.0.1:%1/file?both").arg(m_nginx.port())));
+    both.setAttribute(QNetworkRequest::Http2AllowedAttribute, true);
+    const QScopedPointer<QNetworkReply> reply(manager.get(both));
+    QTRY_VERIFY(m_nginx.accessLog().contains("\"GET /file?both HTTP/2.0\" 200"));
+
+    vx::HttpHost host;
+    host.server.parseAddress(QString("https://127.0.0.1:%1").arg(m_nginx.port()), 80);
+    QVERIFY(ask(host));
+    QTRY_VERIFY(m_nginx.accessLog().contains("\"GET /file HTTP/1.1\" 200"));
+    QVERIFY(!m_nginx.accessLog().contains("\"GET /file HTTP/2.0\""));
 }
 
 VX_TEST_MAIN(HttpClientTlsTest)
