@@ -6,6 +6,10 @@
 #include <QTcpSocket>
 #include <QtTest>
 
+#include <initializer_list>
+#include <memory>
+#include <vector>
+
 #include "base/HeaderLimit.h"
 #include "base/ThreadInput.h"
 #include "host/NetworkHttp/HttpClient.h"
@@ -103,12 +107,12 @@ private:
     QNetworkReply* m_reply;
 };
 
-void addRoads()
+void addRoads(std::initializer_list<Road> roads)
 {
     QTest::addColumn<int>("road");
-    QTest::newRow("direct") << int(Direct);
-    QTest::newRow("proxy") << int(Proxied);
-    QTest::newRow("https") << int(Encrypted);
+    for (const Road road : roads) {
+        QTest::addRow("by road %d", road) << int(road);
+    }
 }
 
 } // namespace
@@ -162,10 +166,6 @@ void HeaderLimitTest::cutsWhatHasNoEnd_data()
     QTest::addColumn<QByteArray>("head");
     QTest::addColumn<QByteArray>("piece");
     QTest::newRow("direct") << int(Direct) << okay << line;
-    QTest::newRow("direct, one line")
-        << int(Direct) << okay + "X-Long: " << QByteArray("0123456789");
-    QTest::newRow("direct, status line")
-        << int(Direct) << QByteArray("HTTP/1.1 200 ") << QByteArray("OK ");
     QTest::newRow("direct, interim answers")
         << int(Direct) << QByteArray() << QByteArray("HTTP/1.1 100 Continue\r\n\r\n");
     QTest::newRow("direct, extension of a chunk")
@@ -263,7 +263,7 @@ void HeaderLimitTest::cutsSeveralAndNoOthers()
 
 void HeaderLimitTest::takesLongAnswersByABusyApplication_data()
 {
-    addRoads();
+    addRoads({Direct, Proxied, Encrypted});
 }
 
 // While the application is busy, a whole body comes in behind a header that it hasn't seen yet.
@@ -320,7 +320,7 @@ void HeaderLimitTest::takesLongPagesOfRefusedLogins()
 
 void HeaderLimitTest::endsARequestOfTheClient_data()
 {
-    addRoads();
+    addRoads({Direct, Proxied});
 }
 
 void HeaderLimitTest::endsARequestOfTheClient()
@@ -329,8 +329,7 @@ void HeaderLimitTest::endsARequestOfTheClient()
     PouringServer server(okay, line, PouringServer::withoutEnd);
     const quint16 port = entrance(server, Road(road));
     QVERIFY(port != 0);
-    HttpAccess access("127.0.0.1", port, "", "");
-    access.secure = road == Encrypted;
+    const HttpAccess access("127.0.0.1", port, "", "");
     const HttpAccess proxy = road == Proxied ? HttpAccess("127.0.0.1", port, "", "") : HttpAccess();
     const LogCapture log;
     const int threads = receivingThreads();
