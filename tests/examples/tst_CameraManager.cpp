@@ -85,7 +85,7 @@ void CameraManagerTest::tourShowsTheWholeFlow_data()
                         << "Help > Check for Updates... looks for something newer.";
     QTest::newRow("de") << "de"
                         << "1.5"
-                        << "22"
+                        << "3"
                         << "Hilfe > Nach Updates suchen... sucht nach etwas Neuerem.";
     QTest::newRow("fr") << "fr"
                         << "2"
