@@ -43,10 +43,7 @@ signals:
     /** Everything is unpacked. @p path is the target folder, as it was given. */
     void unzippingDone(const QString& path);
 
-    /**
-     * The archive could not be unpacked, and what had been unpacked is removed. @p reason says why,
-     * in words meant for the user: plain text, one or two sentences.
-     */
+    /** The same failed, and what had been unpacked is removed. @p reason is text for the user. */
     void unzippingFailed(const QString& reason);
 
 private slots:

@@ -15,12 +15,6 @@ namespace vx {
  * entries, Zip64 and archives with something in front of them (self-extracting ones) are read.
  * Names are taken as UTF-8 if they are valid UTF-8 and as code page 437 otherwise, whatever the
  * locale of the process.
- *
- * @code
- * ZipReader reader(path, nullptr);
- * reader.open(QIODevice::ReadOnly);
- * reader.extractFiles(reader.fileList(QRegExp()), folder, false);
- * @endcode
  */
 class VX_FILEFORMATSZIP_EXPORT ZipReader : public ZipDevice
 {

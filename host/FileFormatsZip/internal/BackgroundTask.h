@@ -30,9 +30,8 @@ public:
 
     /**
      * Starts @p work; to be called once. When it has ended, and if the object is still there,
-     * @p whenEnded is called on the same thread. What @p work owns is destroyed only then, so that
-     * nobody waits for large things to be given back. If no thread is to be had, the task ends at
-     * once with a failure, and @p whenEnded is called on the caller's thread.
+     * @p whenEnded is called on the same thread, and what @p work owns is destroyed, for which
+     * nobody waits. If no thread is to be had, both happens at once, on the caller's thread.
      */
     void start(std::function<void()> work, std::function<void()> whenEnded = {});
 

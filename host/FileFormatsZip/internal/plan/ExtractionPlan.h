@@ -12,10 +12,7 @@
 
 namespace vx {
 
-/**
- * A file, folder or link to be made. It knows the folder around it and not its path, which would
- * grow with its depth.
- */
+/** A file, folder or link to be made. It knows no path, which would grow with its depth. */
 struct PlannedItem
 {
     int parent = 0; ///< index of the folder among the planned items
@@ -37,10 +34,8 @@ class ExtractionPlan
 public:
     /**
      * Plans to unpack @p entries, all of an archive or some, in the order of their data; to be
-     * called once. They must outlive the plan. Throws IOException, and Canceled once @p canceled
-     * is set.
-     *
-     * @param flat drops the folders: all files and links go directly into the target folder.
+     * called once. They must outlive the plan. If @p flat, all files and links go directly into the
+     * target folder. Throws IOException, and Canceled once @p canceled is set.
      */
     void add(const std::vector<const ArchiveEntry*>& entries, bool flat,
              const std::atomic<bool>& canceled);
@@ -79,9 +74,7 @@ private:
  * order: shared libraries and frameworks are built of them. So are links to nothing.
  *
  * What leads in a circle is refused as well, and what leads through a link that @p target holds
- * already, for nobody knows where that one leads.
- *
- * Throws IOException, and Canceled once @p canceled is set.
+ * already, for nobody knows where that one leads. Throws IOException or Canceled.
  */
 void requireLinksInside(const ExtractionPlan& plan, const FileDescriptor& target,
                         const std::atomic<bool>& canceled);

@@ -1,10 +1,14 @@
 #include "host/FileFormatsZip/internal/read/Archive.h"
 
+#include <QFile>
 #include <QSet>
 
 #include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
 #include <functional>
 #include <memory>
+#include <sys/stat.h>
 
 #include "host/FileFormatsZip/internal/Failure.h"
 #include "host/FileFormatsZip/internal/read/ContentReader.h"
@@ -125,6 +129,60 @@ DirectoryExtent findDirectory(const ArchiveFile& file)
 
 } // namespace
 
+ArchiveFile::ArchiveFile(const QString& path)
+    : m_path(path)
+    // Without O_NONBLOCK, opening a fifo would wait for a writer.
+    , m_descriptor(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK))
+{
+    struct stat status = {};
+    if (!m_descriptor.isValid() || ::fstat(m_descriptor.get(), &status) != 0) {
+        failWithErrno(QStringLiteral("open the archive %1").arg(quoted(path)), errno);
+    }
+    if (!S_ISREG(status.st_mode)) {
+        fail(QStringLiteral("%1 is not a file.").arg(quoted(path)));
+    }
+    m_size = status.st_size;
+}
+
+QByteArray ArchiveFile::read(qint64 offset, qint64 length, QByteArray memory) const
+{
+    memory.resize(static_cast<int>(length));
+    qint64 filled = 0;
+    while (filled < length) {
+        const ssize_t got = ::pread(m_descriptor.get(), memory.data() + filled,
+                                    static_cast<size_t>(length - filled), offset + filled);
+        if (got == 0) {
+            failAsDamaged(QStringLiteral("it ends too early"));
+        }
+        if (got < 0 && errno != EINTR) {
+            failWithErrno(QStringLiteral("read the archive %1").arg(quoted(m_path)), errno);
+        }
+        filled += got < 0 ? 0 : got;
+    }
+    return memory;
+}
+
+FileWindow::FileWindow(const ArchiveFile& file, qint64 end, int capacity)
+    : m_file(file)
+    , m_end(end)
+    , m_capacity(capacity)
+{}
+
+ByteView FileWindow::at(qint64 offset, qint64 least, qint64 most)
+{
+    // The offset may be any number, so that nothing is added to it before it is known to be small.
+    if (offset < m_begin || offset > m_begin + m_bytes.size() - least) {
+        if (offset < 0 || offset > m_end - least) {
+            failAsDamaged(QStringLiteral("it ends too early"));
+        }
+        const qint64 wanted = std::min(std::max(least, m_capacity), m_end - offset);
+        m_bytes = m_file.read(offset, wanted, std::move(m_bytes));
+        m_begin = offset;
+    }
+    const ByteView rest = viewOf(m_bytes).substr(static_cast<size_t>(offset - m_begin));
+    return rest.substr(0, static_cast<size_t>(most));
+}
+
 Archive::Archive(const QString& path, const std::atomic<bool>& canceled)
     : m_file(path)
 {
@@ -140,7 +198,14 @@ Archive::Archive(const QString& path, const std::atomic<bool>& canceled)
     }
     sort();
     m_dataEnd = extent.begin;
-    readHeaders(extent.archiveBegin, canceled);
+    FileWindow window(m_file, m_dataEnd, windowSize);
+    for (ArchiveEntry& entry : m_entries) {
+        requireNotCanceled(canceled);
+        readLocalHeader(window, extent.archiveBegin, entry);
+        if (entry.kind == ArchiveEntry::File && entry.size == 0 && entry.crc32 != 0) {
+            refuse(entry.name, "is damaged: its checksum is wrong");
+        }
+    }
     readLinkTargets(canceled);
 }
 
@@ -178,18 +243,6 @@ void Archive::sort()
     // Two that stand side by side, neither before the other, lie at the same place.
     if (std::adjacent_find(begin, end, std::not_fn(isBefore)) != end) {
         failAsDamaged(QStringLiteral("its directory and its entries disagree about their number"));
-    }
-}
-
-void Archive::readHeaders(qint64 archiveBegin, const std::atomic<bool>& canceled)
-{
-    FileWindow window(m_file, m_dataEnd, windowSize);
-    for (ArchiveEntry& entry : m_entries) {
-        requireNotCanceled(canceled);
-        readLocalHeader(window, archiveBegin, entry);
-        if (entry.kind == ArchiveEntry::File && entry.size == 0 && entry.crc32 != 0) {
-            refuse(entry.name, "is damaged: its checksum is wrong");
-        }
     }
 }
 

@@ -200,10 +200,9 @@ std::time_t dosTime(quint16 time, quint16 date)
 } // namespace
 
 /**
- * Reads the record of an entry in the directory, which is what other programs show of it, and
- * removes it from the beginning of @p directory. Layout: PKWARE's APPNOTE.TXT, 4.3.12, 4.4 and for
- * what follows a header 4.5.3 and 4.6.9; the times that Info-ZIP's programs write ("UT" and "UX")
- * are in the file extrafld.txt of zip.
+ * Takes the record of an entry, which is what other programs show of it, from the beginning of
+ * @p directory. Layout: PKWARE's APPNOTE.TXT, 4.3.12, 4.4, 4.5.3 and 4.6.9; the times that
+ * Info-ZIP's programs write ("UT" and "UX") are in the file extrafld.txt of zip.
  */
 ArchiveEntry Archive::takeRecord(ByteView& directory)
 {

@@ -3,7 +3,7 @@
 #include <QString>
 #include <QStringList>
 
-#include "host/FileFormatsZip/internal/read/ArchiveFile.h"
+#include "host/FileFormatsZip/internal/read/Archive.h"
 
 namespace vx {
 

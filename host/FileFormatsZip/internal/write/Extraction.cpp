@@ -28,9 +28,6 @@ constexpr qint64 overheadPerEntry = 4096;
 // no honest one does, exceeds it as a whole.
 constexpr qint64 mostExpansion = 1032;
 
-constexpr unsigned modeOfUnlisted = 0755;
-constexpr unsigned permissionBits = 0777;
-
 // Creating a file keeps the system busier than this process, so that two threads are faster, and
 // few files are written before a second one is ready. More than two would only wait for the disk.
 constexpr size_t itemsWorthHelp = 64;
@@ -87,7 +84,7 @@ bool writeAll(int file, ByteView piece)
 /** A file system that keeps no times is put up with. */
 void setAttributes(int descriptor, unsigned mode, const timespec& modified, const QByteArray& name)
 {
-    require(::fchmod(descriptor, mode & permissionBits) == 0, "set the mode of", name);
+    require(::fchmod(descriptor, mode & 0777U) == 0, "set the mode of", name);
     const timespec times[] = {{0, UTIME_OMIT}, modified};
     ::futimens(descriptor, times);
 }
@@ -268,16 +265,13 @@ void Extraction::writeShares()
     try {
         ContentReader reader(*m_order.archive);
         FolderCursor cursor = {m_target, m_plan};
-        for (;;) {
+        while (m_nextItem < m_plan.items.size() && !isStopped()) {
             const size_t begin = m_nextItem.fetch_add(itemsPerShare);
             const size_t end = std::min(begin + itemsPerShare, m_plan.items.size());
             for (size_t i = begin; i < end && !isStopped(); ++i) {
                 if (m_plan.items[i].kind == ArchiveEntry::File) {
                     writeFile(m_plan.items[i], reader, cursor);
                 }
-            }
-            if (end == m_plan.items.size() || isStopped()) {
-                return;
             }
         }
     } catch (...) {
@@ -340,8 +334,8 @@ void Extraction::setFolderAttributes()
         }
         const bool isListed = item.entry != nullptr;
         const timespec modified = {isListed ? item.entry->modified : 0, isListed ? 0 : UTIME_NOW};
-        setAttributes(cursor.require(static_cast<int>(i)),
-                      isListed ? item.entry->mode : modeOfUnlisted, modified, item.name);
+        setAttributes(cursor.require(static_cast<int>(i)), isListed ? item.entry->mode : 0755,
+                      modified, item.name);
     }
 }
 

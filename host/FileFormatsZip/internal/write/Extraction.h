@@ -44,12 +44,9 @@ public:
     Extraction(ExtractionOrder order, std::shared_ptr<ExtractionState> state);
 
     /**
-     * Does it. Throws IOException, too if it is cancelled and does not keep what it made; that is
-     * removed again then.
-     *
-     * Callers give it a thread of its own, with signals blocked: a file that exceeds a resource
-     * limit is then an error and not the end of the process. Where there are many files it takes a
-     * second thread to help.
+     * Does it. When it throws IOException, too because it is cancelled, what it made is removed.
+     * It needs a thread of its own, with signals blocked: a file that exceeds a resource limit is
+     * then an error and not the end of the process. For many files it takes a second one to help.
      */
     void run();
 
