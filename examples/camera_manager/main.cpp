@@ -16,6 +16,7 @@
 // brings an update server of its own. With --tour, or without a display, it uses itself: Tour.h.
 
 #include <QApplication>
+#include <QHashFunctions>
 #include <QTextStream>
 
 #include <memory>
@@ -90,6 +91,8 @@ int run(const Options& options, bool tour)
 
 int main(int argc, char** argv)
 {
+    // Words of a set stand in the order of their hashes; the table is to be the same at each start.
+    qSetGlobalQHashSeed(0);
     // A look ahead: the tour's surroundings must be there before Qt looks at the environment, and
     // Qt takes its own options out of the arguments only then.
     const Options ahead = readOptions(rawArguments(argc, argv));
@@ -99,8 +102,6 @@ int main(int argc, char** argv)
         surroundings = std::make_unique<TourSurroundings>(ahead.language);
     }
 
-    // Words of a set stand in the order of their hashes; the table is to be the same at each start.
-    qputenv("QT_HASH_SEED", "0");
     QApplication application(argc, argv);
     QApplication::setOrganizationName("Example");
     QApplication::setApplicationName("CameraManager");
