@@ -23,6 +23,13 @@ import tempfile
 FENCE = re.compile(r"^```(\w*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 
 
+def in_any_order(text):
+    """The lines of TEXT with the items of each cell sorted: sets have no order of their own, and
+    what they are printed in differs from one version of Qt to the next."""
+    return [[sorted(cell.strip().split(", ")) for cell in line.split(" | ")]
+            for line in text.strip().splitlines()]
+
+
 class Checker:
     def __init__(self, options):
         self.root = options.root
@@ -109,7 +116,7 @@ class Checker:
         for step in session:
             command, _, expected = step.partition("\n")
             result = self.run(["bash", "-c", command])
-            if result.stdout.strip() != expected.strip():
+            if in_any_order(result.stdout) != in_any_order(expected):
                 return f"$ {command}\n" + "\n".join(difflib.unified_diff(
                     expected.strip().splitlines(), result.stdout.strip().splitlines(),
                     "documented", "printed", lineterm=""))
