@@ -6,6 +6,7 @@
 #include <QTimer>
 #include <QUrl>
 
+#include "base/AnyCompression.h"
 #include "base/FailureReason.h"
 #include "base/HeaderLimit.h"
 #include "base/LogLine.h"
@@ -47,6 +48,7 @@ QNetworkRequest requestFor(const QUrl& url)
                          QNetworkRequest::ManualRedirectPolicy);
     // Qt 6 would ask for it by default.
     request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
+    allowAnyCompression(request);
     return request;
 }
 

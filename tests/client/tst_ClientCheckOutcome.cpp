@@ -83,6 +83,7 @@ private slots:
     void failingServer_data();
     void failingServer();
     void unreachableServer();
+    void answerThatShrinksWell();
     void answerTooLongToParse();
     void errorWithALongBody_data();
     void errorWithALongBody();
@@ -321,6 +322,22 @@ void ClientCheckOutcomeTest::unreachableServer()
     QVERIFY(fixture.log.contains(3, timeoutLine));
     QCOMPARE(notification(), errorTextInLog(fixture.log));
     QVERIFY(!notification().isEmpty());
+}
+
+void ClientCheckOutcomeTest::answerThatShrinksWell()
+{
+    ClientFixture fixture;
+    fixture.start();
+    const QByteArray catalogue =
+        catalogueXml({applicationPackage()}) + QByteArray(12 * 1024 * 1024, ' ');
+    constexpr int sizeInFront = 4; // which qCompress adds
+    ServedReply reply;
+    reply.body = qCompress(catalogue).mid(sizeInFront);
+    QVERIFY(reply.body.size() < catalogue.size() / 100);
+    reply.headers.append(qMakePair(QByteArray("Content-Encoding"), QByteArray("deflate")));
+    fixture.server.setReply("/", reply);
+    QVERIFY(fixture.check());
+    QVERIFY(fixture.log.contains(1, evaluation + "update available"));
 }
 
 void ClientCheckOutcomeTest::answerTooLongToParse()

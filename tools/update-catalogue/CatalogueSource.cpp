@@ -11,6 +11,7 @@
 
 #include <cstdio>
 
+#include "base/AnyCompression.h"
 #include "host/FileFormatsXml/XmlUtils.h"
 #include "tools/update-catalogue/Command.h"
 
@@ -69,6 +70,7 @@ CatalogueSource readUrl(const QString& address)
                          QNetworkRequest::NoLessSafeRedirectPolicy);
     request.setMaximumRedirectsAllowed(maximumRedirects);
     request.setTransferTimeout(requestTimeout);
+    allowAnyCompression(request);
     const QScopedPointer<QNetworkReply> reply(manager.get(request));
     QEventLoop loop;
     QObject::connect(reply.data(), SIGNAL(finished()), &loop, SLOT(quit()));
