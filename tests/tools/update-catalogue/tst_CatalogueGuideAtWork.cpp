@@ -393,7 +393,7 @@ const QList<Sentence>& sentencesOfServers()
     static const QList<Sentence> list{
         {R"~(| redirect the catalogue with 308, as servers with automatic HTTPS do | a check does not follow 308: "No update available!"; a download follows it | give the `https://` address to the application; never put a catalogue with an `http://` address behind such a server |)~",
          [] { return !isFollowed(308) && downloadsAfter(1, 308); }},
-        {R"~(| redirect it with 301, 302, 303 or 307 | followed, each hop within 15 s of its own, without an end if it is a circle | one hop, to a whole address: a relative one is not completed |)~",
+        {R"~(| redirect it with 301, 302, 303 or 307 | followed, each hop within 15 s of its own, without an end if it is a circle | one hop, to a whole address: a relative one is not completed, and lighttpd and Caddy send what they are given |)~",
          [] {
              return isFollowed(301) && isFollowed(302) && isFollowed(303) && isFollowed(307) &&
                     circleHasNoEnd() && relativeTargetFails();
