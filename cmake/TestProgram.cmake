@@ -6,7 +6,7 @@
 function(vx_set_test_surroundings test)
   set(support "${PROJECT_SOURCE_DIR}/tests/support")
   set_tests_properties(${test} PROPERTIES
-    TIMEOUT 120
+    TIMEOUT 300
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;LSAN_OPTIONS=suppressions=${support}/lsan.supp:print_suppressions=0;UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1;TSAN_OPTIONS=suppressions=${support}/tsan.supp"
     FAIL_REGULAR_EXPRESSION
       "QObject::connect:;No such signal;No such slot;connectSlotsByName;runtime error:")

@@ -223,8 +223,11 @@ void HeaderLimitTest::takesHeadersUpToTheLimit()
     QVERIFY(port != 0);
     Asking asking(port, Road(road));
     QVERIFY(asking.ends());
-    QCOMPARE(hasTooLongHeader(asking.reply()), !isTaken);
-    QCOMPARE(asking.reply().error() == QNetworkReply::NoError, isTaken);
+    const bool isRefused = hasTooLongHeader(asking.reply());
+    QCOMPARE(asking.reply().error() != QNetworkReply::NoError, isRefused);
+    // Qt 6 goes on without any field of a header that is above a limit of the same size.
+    const bool isDropped = asking.reply().rawHeaderPairs().isEmpty();
+    QVERIFY(isTaken ? !isRefused : isRefused || isDropped);
     if (isTaken) {
         QCOMPARE(asking.body(), QByteArray("body"));
     }
