@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr int casesEachRun = 1000;
+constexpr int casesEachRun = 2500;
 
 /** Wakes with each event: QTest's own waiting sleeps 10 ms at a time, for thousands of checks. */
 template <typename Condition>
