@@ -31,24 +31,29 @@ bool startsWith(std::string_view bytes, size_t at, std::string_view what)
 /** The end record: the last whose comment fills the file exactly, or else the last. */
 size_t findEnd(std::string_view archive)
 {
-    size_t last = std::string_view::npos;
+    constexpr size_t none = std::string_view::npos;
+    if (archive.size() < endSize) {
+        return none;
+    }
     const size_t lowest = archive.size() > endSize + 0xFFFF ? archive.size() - endSize - 0xFFFF : 0;
-    for (size_t at = archive.size(); at-- > lowest;) {
-        if (at + endSize > archive.size() || !startsWith(archive, at, "PK\5\6")) {
-            continue;
-        }
+    size_t last = none;
+    size_t at = archive.rfind("PK\5\6", archive.size() - endSize);
+    while (at != none && at >= lowest) {
         if (at + endSize + get(archive, at + 20, 2) == archive.size()) {
             return at;
         }
-        last = last == std::string_view::npos ? at : last;
+        last = last == none ? at : last;
+        at = at > 0 ? archive.rfind("PK\5\6", at - 1) : none;
     }
     return last;
 }
 
 bool inflateAll(std::string_view packed, size_t size, std::string& content)
 {
-    z_stream stream = {};
-    if (inflateInit2(&stream, -MAX_WBITS) != Z_OK) {
+    // One stream for all inputs: to make it takes longer than to inflate most contents.
+    static z_stream stream = {};
+    static const bool isReady = inflateInit2(&stream, -MAX_WBITS) == Z_OK;
+    if (!isReady || inflateReset(&stream) != Z_OK) {
         return false;
     }
     // One byte more, so that a stream with more than it should have doesn't seem to end in time.
@@ -59,7 +64,6 @@ bool inflateAll(std::string_view packed, size_t size, std::string& content)
     stream.avail_out = static_cast<uInt>(content.size());
     const int result = inflate(&stream, Z_FINISH);
     const bool isExact = result == Z_STREAM_END && stream.avail_in == 0 && stream.avail_out == 1;
-    inflateEnd(&stream);
     content.resize(size);
     return isExact;
 }

@@ -27,6 +27,10 @@ struct Member
 
 using Members = std::vector<Member>;
 
+// Of the deflater, as zlib.h explains them: a window of 4 KiB, blocks of up to 1,023 symbols.
+constexpr int windowBits = -12;
+constexpr int memoryLevel = 4;
+
 uint32_t get(std::string_view bytes, size_t at, size_t size)
 {
     uint32_t value = 0;
@@ -45,32 +49,38 @@ void put(std::string& bytes, size_t at, uint32_t value, size_t size)
 
 std::string inflated(std::string_view packed)
 {
-    std::string content(1 << 16, '\0');
-    z_stream stream = {};
-    inflateInit2(&stream, -MAX_WBITS);
+    // One stream and one buffer for all inputs: to make them takes longer than to use them.
+    static char content[1 << 16];
+    static z_stream stream = {};
+    static const int ready = inflateInit2(&stream, -MAX_WBITS);
+    if (ready != Z_OK || inflateReset(&stream) != Z_OK) {
+        return {};
+    }
     stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(packed.data()));
     stream.avail_in = static_cast<uInt>(packed.size());
-    stream.next_out = reinterpret_cast<Bytef*>(content.data());
-    stream.avail_out = static_cast<uInt>(content.size());
+    stream.next_out = reinterpret_cast<Bytef*>(content);
+    stream.avail_out = sizeof(content);
     inflate(&stream, Z_FINISH);
-    content.resize(content.size() - stream.avail_out);
-    inflateEnd(&stream);
-    return content;
+    return {content, sizeof(content) - stream.avail_out};
 }
 
 std::string deflated(std::string_view content, unsigned way)
 {
-    std::string packed(compressBound(content.size()) + 64, '\0');
-    z_stream stream = {};
-    deflateInit2(&stream, static_cast<int>(way % 10), Z_DEFLATED, -MAX_WBITS, 8,
-                 static_cast<int>(way / 10 % 5));
+    // Small tables, which are quickly emptied, do for small contents, and make more blocks of them.
+    static z_stream stream = {};
+    static const int ready =
+        deflateInit2(&stream, 6, Z_DEFLATED, windowBits, memoryLevel, Z_DEFAULT_STRATEGY);
+    if (ready != Z_OK || deflateReset(&stream) != Z_OK) {
+        return {};
+    }
+    std::string packed(deflateBound(&stream, content.size()), '\0');
+    deflateParams(&stream, static_cast<int>(way % 10), static_cast<int>(way / 10 % 5));
     stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(content.data()));
     stream.avail_in = static_cast<uInt>(content.size());
     stream.next_out = reinterpret_cast<Bytef*>(packed.data());
     stream.avail_out = static_cast<uInt>(packed.size());
     deflate(&stream, Z_FINISH);
     packed.resize(packed.size() - stream.avail_out);
-    deflateEnd(&stream);
     return packed;
 }
 
