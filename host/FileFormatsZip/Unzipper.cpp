@@ -19,9 +19,7 @@ public:
 Unzipper::Unzipper(const QString& zipFile, const QString& targetFolder, bool flat)
     : d(std::make_unique<Private>())
 {
-    d->order.archivePath = zipFile;
-    d->order.targetFolder = targetFolder;
-    d->order.flat = flat;
+    d->order = {zipFile, nullptr, {}, targetFolder, flat};
     if (QCoreApplication* const application = QCoreApplication::instance()) {
         // Direct, for whichever thread the job belongs to: the end of the application waits for it.
         // Not every application leaves its loop by quit(), so that its destruction counts too.

@@ -51,10 +51,9 @@ void ZipDevice::showProgress(qint64 done, qint64 total)
         m_dialog->setValue(static_cast<int>(share * (steps - 1)));
     }
     // A modal dialog processes events by itself when its value is set.
-    if (!self) {
-        return;
+    if (self) {
+        QCoreApplication::processEvents();
     }
-    QCoreApplication::processEvents();
     if (self && wasCanceled()) {
         m_canceled = true;
     }

@@ -93,11 +93,9 @@ void ZipReader::extractFiles(const QStringList& names, const QString& targetFold
     if (self && failure.isEmpty() && !wasCanceled()) {
         endProgress();
     }
-    if (!self) {
-        fail(QStringLiteral("The archive was closed while it was being unpacked."));
-    }
-    if (!failure.isEmpty()) {
-        fail(failure);
+    if (!self || !failure.isEmpty()) {
+        fail(self ? failure
+                  : QStringLiteral("The archive was closed while it was being unpacked."));
     }
 }
 

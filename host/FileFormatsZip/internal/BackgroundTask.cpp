@@ -6,7 +6,8 @@
 #include <csignal>
 #include <list>
 #include <new>
-#include <utility>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include "host/CoreQt/ExceptionQt.h"
 
@@ -18,8 +19,7 @@ namespace {
 constexpr std::chrono::milliseconds patience(30);
 
 /** Why @p work failed, or nothing if it did not. */
-template <typename Work>
-QString reasonOf(Work&& work)
+QString reasonOf(const std::function<void()>& work)
 {
     try {
         work();
@@ -35,37 +35,33 @@ QString reasonOf(Work&& work)
 }
 
 /** Threads whose task is gone, waited for before the code that they run can be unloaded. */
-class LateThreads
+struct LateThreads
 {
-public:
     ~LateThreads() { qRemovePostRoutine(join); }
 
-    static void add(std::future<void> thread)
+    void add(std::future<void> thread)
     {
-        const std::lock_guard<std::mutex> lock(all.m_mutex);
+        const std::lock_guard<std::mutex> lock(mutex);
         qRemovePostRoutine(join);
         qAddPostRoutine(join);
-        all.m_threads.remove_if([](const std::future<void>& late) {
+        threads.remove_if([](const std::future<void>& late) {
             return late.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
         });
-        all.m_threads.push_back(std::move(thread));
+        threads.push_back(std::move(thread));
     }
 
-private:
-    static void join()
-    {
-        std::list<std::future<void>> threads;
-        const std::lock_guard<std::mutex> lock(all.m_mutex);
-        threads.swap(all.m_threads);
-    }
+    static void join();
 
-    static LateThreads all;
+    std::mutex mutex; ///< guards the threads
+    std::list<std::future<void>> threads;
+} lateThreads;
 
-    std::mutex m_mutex; ///< guards the threads
-    std::list<std::future<void>> m_threads;
-};
-
-LateThreads LateThreads::all;
+void LateThreads::join()
+{
+    std::list<std::future<void>> threads;
+    const std::lock_guard<std::mutex> lock(lateThreads.mutex);
+    threads.swap(lateThreads.threads);
+}
 
 } // namespace
 
@@ -86,7 +82,7 @@ BackgroundTask::~BackgroundTask()
     }
     const std::lock_guard<std::mutex> lock(m_threadMutex);
     if (m_thread.valid() && m_thread.wait_for(patience) != std::future_status::ready) {
-        LateThreads::add(std::move(m_thread));
+        lateThreads.add(std::move(m_thread));
     }
 }
 
@@ -100,6 +96,13 @@ void BackgroundTask::start(std::function<void()> work, std::function<void()> whe
                 sigset_t all;
                 sigfillset(&all);
                 pthread_sigmask(SIG_SETMASK, &all, nullptr);
+                // Linux lets the event loop in at once if the busy thread asks for longer turns.
+                // The numbers are a sched_attr, whose header can't stand beside that of the C
+                // library.
+                quint64 attributes[7] = {};
+                ::syscall(SYS_sched_getattr, 0, attributes, sizeof(attributes), 0);
+                attributes[3] = 30000000; // sched_runtime in nanoseconds
+                ::syscall(SYS_sched_setattr, 0, attributes, 0);
                 shared->end(reasonOf(work));
                 work = nullptr;
             });

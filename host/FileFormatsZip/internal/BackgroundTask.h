@@ -17,16 +17,12 @@ namespace vx {
 class BackgroundTask
 {
 public:
-    BackgroundTask() = default;
-
     /**
      * Waits for the end of the thread, but not for long: what takes longer, such as removing what
      * was unpacked, goes on behind the object's back. The function must own what it uses by then.
      * Before the application or the library goes, such threads are waited for.
      */
     ~BackgroundTask();
-    BackgroundTask(const BackgroundTask&) = delete;
-    BackgroundTask& operator=(const BackgroundTask&) = delete;
 
     /**
      * Starts @p work; to be called once. When it has ended, and if the object is still there,

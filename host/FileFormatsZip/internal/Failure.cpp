@@ -13,17 +13,13 @@ void fail(const QString& reason)
 
 void failWithErrno(const QString& action, int code)
 {
-    if (code == ENOMEM) {
-        fail(QStringLiteral("There is not enough memory to unpack the archive."));
-    }
-    if (code == ENOSPC || code == EDQUOT) {
-        fail(QStringLiteral("The disk is full: cannot %1.").arg(action));
-    }
-    if (code == EFBIG) {
-        fail(QStringLiteral("A file would be larger than the system allows: cannot %1.")
-                 .arg(action));
-    }
-    fail(QStringLiteral("Cannot %1: %2.").arg(action, qt_error_string(code)));
+    const bool isFull = code == ENOSPC || code == EDQUOT;
+    fail(code == ENOMEM ? QStringLiteral("There is not enough memory to unpack the archive.")
+         : isFull       ? QStringLiteral("The disk is full: cannot %1.").arg(action)
+         : code == EFBIG
+             ? QStringLiteral("A file would be larger than the system allows: cannot %1.")
+                   .arg(action)
+             : QStringLiteral("Cannot %1: %2.").arg(action, qt_error_string(code)));
 }
 
 void failAsDamaged(const QString& detail)

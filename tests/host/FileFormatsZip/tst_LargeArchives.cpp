@@ -24,9 +24,19 @@ ZipBuilder manyFiles(int count = manyEntries)
     return archive;
 }
 
+/** Bytes of which no part is like another, five megabytes of them and no round number. */
+QByteArray content()
+{
+    QByteArray bytes;
+    for (int i = 0; i < 700000; ++i) {
+        bytes += QByteArray::number(i) + ' ';
+    }
+    return bytes;
+}
+
 } // namespace
 
-/** Archives beyond the limits of the first ZIP format. */
+/** Archives beyond the limits of the first ZIP format, and contents of many pieces. */
 class LargeArchivesTest : public QObject
 {
     Q_OBJECT
@@ -37,6 +47,10 @@ private slots:
     void asManyEntriesAs16Bits_data();
     void asManyEntriesAs16Bits();
     void fileBeyond4GiB();
+    void contentOfManyPieces_data();
+    void contentOfManyPieces();
+    void damagedBehindManyPieces_data();
+    void damagedBehindManyPieces();
     void smallArchiveInZip64();
     void zip64BehindSomethingElse();
     void offsetInZip64();
@@ -107,6 +121,44 @@ void LargeArchivesTest::fileBeyond4GiB()
     // Zeros take no room.
     QVERIFY(status.st_blocks * 512 < 100 * 1024 * 1024);
     QCOMPARE(contentOf(folder.filePath("target/after")), QByteArray("content"));
+}
+
+void LargeArchivesTest::contentOfManyPieces_data()
+{
+    QTest::addColumn<bool>("isDeflated");
+    QTest::newRow("stored") << false;
+    QTest::newRow("deflated") << true;
+}
+
+/** One piece is written while the next one is read: each must come out once, whole and in order. */
+void LargeArchivesTest::contentOfManyPieces()
+{
+    QFETCH(bool, isDeflated);
+    const QTemporaryDir folder;
+    const ZipEntry large = file("large", content());
+    ZipBuilder{file("before"), isDeflated ? deflate(large) : large, file("after")}.write(
+        folder.filePath("a.zip"));
+    QCOMPARE(unpackWithReader(folder.filePath("a.zip"), folder.filePath("target")), QString());
+    QVERIFY(contentOf(folder.filePath("target/large")) == large.content);
+    QCOMPARE(contentOf(folder.filePath("target/after")), QByteArray("content"));
+}
+
+void LargeArchivesTest::damagedBehindManyPieces_data()
+{
+    contentOfManyPieces_data();
+}
+
+void LargeArchivesTest::damagedBehindManyPieces()
+{
+    QFETCH(bool, isDeflated);
+    const QTemporaryDir folder;
+    ZipEntry large = file("large", content());
+    large = isDeflated ? deflate(large) : large;
+    large.crc32 = 7;
+    ZipBuilder{file("before"), large}.write(folder.filePath("a.zip"));
+    const QString reason = unpackWithReader(folder.filePath("a.zip"), folder.filePath("target"));
+    QVERIFY2(reason.contains("its checksum is wrong"), qPrintable(reason));
+    QVERIFY(!QFileInfo::exists(folder.filePath("target")));
 }
 
 void LargeArchivesTest::smallArchiveInZip64()

@@ -65,6 +65,7 @@ ContentReader::ContentReader(const Archive& archive, size_t pieceSize)
     , m_window(archive.file(), archive.dataEnd(), windowSize)
     , m_pieceSize(pieceSize)
     , m_output(new char[pieceSize])
+    , m_previous(new char[pieceSize])
 {}
 
 void ContentReader::begin(const ArchiveEntry& entry)
@@ -103,14 +104,18 @@ ByteView ContentReader::next()
 
 ByteView ContentReader::nextPiece()
 {
+    m_output.swap(m_previous);
     size_t filled = 0;
     while (!m_isAtEnd && filled < m_pieceSize) {
         const qint64 left = m_entry->packedSize - m_consumed;
         ByteView input =
             left > 0 ? m_window.at(m_entry->dataBegin + m_consumed, 1, left) : ByteView();
         if (m_entry->method == ArchiveEntry::Stored) {
-            m_consumed += static_cast<qint64>(input.size());
-            return input;
+            const size_t count = input.copy(m_output.get() + filled, m_pieceSize - filled);
+            filled += count;
+            m_consumed += static_cast<qint64>(count);
+            m_isAtEnd = m_consumed == m_entry->packedSize;
+            continue;
         }
         const size_t given = input.size();
         size_t produced = 0;

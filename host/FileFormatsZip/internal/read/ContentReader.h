@@ -46,15 +46,15 @@ private:
 class ContentReader
 {
 public:
-    /** @p archive must outlive the object. Inflated pieces have up to @p pieceSize bytes. */
-    explicit ContentReader(const Archive& archive, size_t pieceSize = 256 * size_t(1024));
+    /** @p archive must outlive the object. Pieces have up to @p pieceSize bytes. */
+    explicit ContentReader(const Archive& archive, size_t pieceSize = 1024 * size_t(1024));
 
     /** Begins the content of @p entry, a stored or deflated one that stays. Throws IOException. */
     void begin(const ArchiveEntry& entry);
 
     /**
-     * The next piece, valid until the next call; an empty one when the content is complete, which
-     * means that size and checksum are those declared. Throws IOException on damage.
+     * The next piece, valid until the call after the next; empty when the content is complete,
+     * which means that size and checksum are those declared. Throws IOException on damage.
      */
     ByteView next();
 
@@ -67,6 +67,7 @@ private:
     Inflater m_inflater;
     const size_t m_pieceSize;
     std::unique_ptr<char[]> m_output;
+    std::unique_ptr<char[]> m_previous; ///< output that may still be in use
     const ArchiveEntry* m_entry = nullptr;
     qint64 m_consumed = 0; ///< of the packed bytes
     qint64 m_produced = 0;

@@ -10,7 +10,6 @@
 #include <limits>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
-#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -32,10 +31,19 @@ constexpr qint64 mostExpansion = 1032;
 // few files are written before a second one is ready. More than two would only wait for the disk.
 constexpr size_t itemsWorthHelp = 64;
 constexpr size_t itemsPerShare = 16;
+constexpr qint64 sizeWorthHelp = 4LL * 1024 * 1024;
+// Bytes that are written at once, or left out as a hole.
+constexpr size_t blockSize = 128 * size_t(1024);
 
 // The application needs descriptors too, and has often no more than a thousand.
 constexpr size_t mostOpen = 16;
 constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+
+/** How to start a piece of work. If the system gives no thread, whoever waits for it does it. */
+std::launch wayFor(bool isWorthThread)
+{
+    return isWorthThread ? std::launch::async | std::launch::deferred : std::launch::deferred;
+}
 
 QString readable(qint64 bytes)
 {
@@ -57,11 +65,9 @@ qint64 freeBytes(int folder)
 {
     struct statvfs status = {};
     qint64 bytes = 0;
-    if (::fstatvfs(folder, &status) != 0 ||
-        __builtin_mul_overflow(status.f_bavail, status.f_frsize, &bytes)) {
-        return std::numeric_limits<qint64>::max();
-    }
-    return bytes;
+    const bool isKnown = ::fstatvfs(folder, &status) == 0 &&
+                         !__builtin_mul_overflow(status.f_bavail, status.f_frsize, &bytes);
+    return isKnown ? bytes : std::numeric_limits<qint64>::max();
 }
 
 bool isAllZero(ByteView piece)
@@ -69,10 +75,16 @@ bool isAllZero(ByteView piece)
     return piece.front() == 0 && piece.substr(1) == piece.substr(0, piece.size() - 1);
 }
 
-bool writeAll(int file, ByteView piece)
+/** A block of nothing but zeros becomes a hole, which saves the disk much of an image. */
+bool writeAll(int file, ByteView piece, bool& endsInHole)
 {
     while (!piece.empty()) {
-        const ssize_t count = ::write(file, piece.data(), piece.size());
+        const ByteView block = piece.substr(0, blockSize);
+        endsInHole = isAllZero(block);
+        const auto size = static_cast<off_t>(block.size());
+        const ssize_t count = !endsInHole ? ::write(file, block.data(), block.size())
+                              : ::lseek(file, size, SEEK_CUR) < 0 ? -1
+                                                                  : size;
         if (count < 0 && errno != EINTR) {
             return false;
         }
@@ -233,10 +245,8 @@ void Extraction::makeFolders()
         // For the owner alone until everything is in it, and writable even if its mode will not be.
         const int parent = cursor.require(item.parent);
         item.isMade = ::mkdirat(parent, item.name.constData(), S_IRWXU) == 0;
-        if (!item.isMade && errno != EEXIST) {
-            require(false, "create the folder", m_plan.pathOf(static_cast<int>(i)));
-        }
         if (!item.isMade) {
+            require(errno == EEXIST, "create the folder", m_plan.pathOf(static_cast<int>(i)));
             // What is there must be a folder.
             cursor.require(static_cast<int>(i));
         }
@@ -245,18 +255,11 @@ void Extraction::makeFolders()
 
 void Extraction::writeFiles()
 {
-    std::future<void> helper;
-    if (m_plan.items.size() >= itemsWorthHelp && std::thread::hardware_concurrency() > 1) {
-        try {
-            helper = std::async(std::launch::async, [this] { writeShares(); });
-        } catch (const std::system_error&) {
-            // The system gives no more threads: the one that is there does the work.
-        }
-    }
+    const bool isWorthHelp =
+        m_plan.items.size() >= itemsWorthHelp && std::thread::hardware_concurrency() > 1;
+    auto helper = std::async(wayFor(isWorthHelp), [this] { writeShares(); });
     writeShares();
-    if (helper.valid()) {
-        helper.get();
-    }
+    helper.get();
 }
 
 /** Takes and writes shares of the files until none is left. Several threads may do so at once. */
@@ -289,17 +292,20 @@ void Extraction::writeFile(PlannedItem& item, ContentReader& reader, FolderCurso
     require(file.isValid(), "create the file", item.name);
     item.isMade = true;
     bool endsInHole = false;
+    const auto write = [&](ByteView piece) {
+        require(writeAll(file.get(), piece, endsInHole), "write the file", item.name);
+        m_state->doneBytes += static_cast<qint64>(piece.size());
+    };
+    // A piece of a large content is written while the next one is inflated.
+    auto writing = std::async(std::launch::deferred, [] {});
     for (ByteView piece = reader.next(); !piece.empty(); piece = reader.next()) {
+        writing.get();
         if (isStopped()) {
             return;
         }
-        // A piece of nothing but zeros becomes a hole, which saves the disk much of an image.
-        endsInHole = isAllZero(piece);
-        require(endsInHole ? ::lseek(file.get(), static_cast<off_t>(piece.size()), SEEK_CUR) >= 0
-                           : writeAll(file.get(), piece),
-                "write the file", item.name);
-        m_state->doneBytes += static_cast<qint64>(piece.size());
+        writing = std::async(wayFor(entry.size >= sizeWorthHelp), write, piece);
     }
+    writing.get();
     require(!endsInHole || ::ftruncate(file.get(), entry.size) == 0, "write the file", item.name);
     setAttributes(file.get(), entry.mode, {entry.modified, 0}, item.name);
 }
