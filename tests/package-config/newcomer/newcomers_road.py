@@ -4,11 +4,12 @@
 The Debian packages that the page names are laid out in a folder of this test: installing them would
 change the machine. README's host is written word for word, built in one of the ways that README
 names, exactly as it stands there, and started at a folder that the installed update-catalogue
-serves. It must be offered the package of the page's example.
+serves. It must be offered the package of the page's example. Who has Qt 6 takes the names for it
+from the guide's table.
 
-Usage: newcomers_road.py --way find_package|pkg-config|add_subdirectory --source DIR --build DIR
-       --packages DIR --onlooker DIR --folder DIR --compiler CXX --flags "..." --build-type TYPE
-       --type-flags "..." --generator NAME
+Usage: newcomers_road.py --qt 5|6 --way find_package|pkg-config|add_subdirectory --source DIR
+       --build DIR --packages DIR --onlooker DIR --folder DIR --compiler CXX --flags "..."
+       --build-type TYPE --type-flags "..." --generator NAME
 """
 
 import argparse
@@ -22,7 +23,7 @@ import sys
 
 BLOCK = re.compile(r"^```(\w+)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 PORT_OF_THE_PAGES = "8080"
-PACKAGES = ["libsoftwareupdateclient-dev", "libsoftwareupdateclient1", "update-catalogue"]
+PACKAGE_OF_THE_WORKBENCH = "update-catalogue"
 
 
 class Page:
@@ -30,7 +31,8 @@ class Page:
 
     def __init__(self, path):
         with open(path, encoding="utf-8") as page:
-            self.blocks = BLOCK.findall(page.read())
+            self.text = page.read()
+            self.blocks = BLOCK.findall(self.text)
 
     def block(self, language, word):
         """The first block in a language that holds a word."""
@@ -41,6 +43,11 @@ class Page:
 
     def line(self, word):
         return next(line for line in self.block("sh", word).splitlines() if word in line)
+
+    def names(self, row, column):
+        """What stands in backticks in a column of the row that begins with some words."""
+        line = re.search(rf"^\| {re.escape(row)}.*$", self.text, re.MULTILINE)
+        return re.findall(r"`([^`]+)`", line.group().split("|")[1 + column])
 
 
 def write(path, text, mode=0o644):
@@ -65,6 +72,10 @@ class Newcomer:
         self.project = os.path.join(options.folder, "project")
         self.home = os.path.join(options.folder, "home")
         self.port = free_port()
+        column = {"5": 1, "6": 2}[options.qt]
+        self.packages = self.guide.names("Debian packages", column) + [PACKAGE_OF_THE_WORKBENCH]
+        self.name_of_qt5, = self.guide.names("`find_package`", 1)
+        self.name, = self.guide.names("`find_package`", column)
         self.environment = dict(
             os.environ, HOME=self.home, LC_ALL="C.UTF-8", QT_QPA_PLATFORM="offscreen",
             PATH=os.pathsep.join([os.path.join(options.folder, "bin"),
@@ -81,7 +92,7 @@ class Newcomer:
     def install(self):
         archives = sorted(glob.glob(os.path.join(self.options.packages, "*.deb")))
         names = [os.path.basename(archive).split("_")[0] for archive in archives]
-        if names != PACKAGES:
+        if names != sorted(self.packages):
             sys.exit(f"cpack made {names}")
         self.readme.line("cpack ")
         command = self.readme.line("apt install").replace("sudo apt install", "apt-get install")
@@ -95,20 +106,29 @@ class Newcomer:
         write(os.path.join(self.project, "main.cpp"),
               self.readme.block("cpp", "vx::SoftwareUpdateClient"))
 
+    def with_its_name(self, text, before):
+        """The text with the name for this Qt behind some words, where the page has that for Qt 5."""
+        if before + self.name_of_qt5 not in text:
+            sys.exit(f"the page has no {before}{self.name_of_qt5}")
+        return text.replace(before + self.name_of_qt5, before + self.name)
+
     def build_by_find_package(self):
-        self.build_with_cmake("find_package", [f"-DCMAKE_PREFIX_PATH={self.root}/usr"])
+        project = self.with_its_name(self.readme.block("cmake", "find_package"), "find_package(")
+        self.build_with_cmake(project, [f"-DCMAKE_PREFIX_PATH={self.root}/usr"])
 
     def build_by_add_subdirectory(self):
         source = os.path.join(self.project, "SoftwareUpdateClient")
         os.symlink(self.options.source, source)
         launcher = os.path.join(os.path.dirname(os.path.abspath(__file__)), "reuse_object.py")
         self.build_with_cmake(
-            "add_subdirectory", [f"-DCMAKE_CXX_COMPILER_LAUNCHER={sys.executable};{launcher}"],
+            self.readme.block("cmake", "add_subdirectory"),
+            [f"-DSOFTWAREUPDATECLIENT_QT={self.options.qt}",
+             f"-DCMAKE_CXX_COMPILER_LAUNCHER={sys.executable};{launcher}"],
             REUSE_BUILD=self.options.build, REUSE_SOURCE=self.options.source,
             REUSE_OWN_BUILD=f"{self.project}/build/SoftwareUpdateClient", REUSE_OWN_SOURCE=source)
 
-    def build_with_cmake(self, word, options, **environment):
-        write(os.path.join(self.project, "CMakeLists.txt"), self.readme.block("cmake", word))
+    def build_with_cmake(self, project, options, **environment):
+        write(os.path.join(self.project, "CMakeLists.txt"), project)
         words = " ".join(f"'{option}'" for option in options)
         self.run(f"cmake -S . -B build -G '{self.options.generator}' {words}"
                  f" -DCMAKE_CXX_COMPILER={self.options.compiler}"
@@ -127,7 +147,7 @@ class Newcomer:
         libraries = os.path.join(self.root, "usr/lib")
         self.environment["PKG_CONFIG_PATH"] = os.path.join(libraries, "pkgconfig")
         self.environment["LD_LIBRARY_PATH"] = libraries
-        self.run(self.readme.line("pkg-config"))
+        self.run(self.with_its_name(self.readme.line("pkg-config"), "--libs "))
 
     def be_offered(self):
         serve = self.guide.line("update-catalogue serve").replace(PORT_OF_THE_PAGES, self.port)
@@ -153,7 +173,7 @@ class Newcomer:
 
 def main():
     parser = argparse.ArgumentParser()
-    for option in ("way", "source", "build", "packages", "onlooker", "folder", "compiler", "flags",
+    for option in ("qt", "way", "source", "build", "packages", "onlooker", "folder", "compiler", "flags",
                    "build-type", "type-flags", "generator"):
         parser.add_argument("--" + option, required=True)
     newcomer = Newcomer(parser.parse_args())
