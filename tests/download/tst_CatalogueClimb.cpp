@@ -5,6 +5,7 @@
 #include "tests/download/CatalogueProbe.h"
 #include "tests/download/RandomCatalogue.h"
 #include "tests/support/PlainClimb.h"
+#include "tests/support/Repeats.h"
 #include "tests/support/TestMain.h"
 
 using namespace vx;
@@ -13,7 +14,7 @@ using namespace vx::test;
 namespace {
 
 constexpr quint32 firstSeed = 20120601;
-constexpr int catalogueCount = 2000;
+constexpr int catalogueCount = vx::test::repeats(2000);
 
 /** The seed to begin with and how many to try; VX_TEST_SEED repeats a single one. */
 struct Seeds

@@ -3,6 +3,7 @@
 
 #include "download/DownloadManager.h"
 #include "host/Core/Log.h"
+#include "tests/support/Repeats.h"
 #include "tests/support/TestMain.h"
 #include "tests/tools/update-catalogue/LintRun.h"
 #include "tests/tools/update-catalogue/breakages/Breakages.h"
@@ -14,7 +15,7 @@ using vx::test::Needs;
 namespace {
 
 constexpr quint32 defaultSeed = 20261122;
-constexpr int goodCatalogues = 500;
+constexpr int goodCatalogues = vx::test::repeats(500);
 constexpr int catalogues = 20;
 
 quint32 firstSeed()
@@ -107,7 +108,7 @@ void LintBreakagesTest::breakagesAreFound()
     QFETCH(int, index);
     const Breakage breakage = vx::test::allBreakages().at(index);
 
-    for (int i = 0; i < catalogues; ++i) {
+    for (int i = 0; i < vx::test::repeats(catalogues); ++i) {
         QRandomGenerator random(firstSeed() + static_cast<quint32>(1000 * index + i));
         GoodCatalogue catalogue(random);
         vx::LintOptions options = vx::test::clientOptions();
