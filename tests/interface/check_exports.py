@@ -16,6 +16,8 @@ import sys
 
 OF_A_CLASS = re.compile(r"^(?:vtable for|typeinfo for|typeinfo name for|VTT for|guard variable for|"
                         r"non-virtual thunk to|virtual thunk to) ")
+# Of functions that are made from a template, the name tells what they return, too.
+RETURN_TYPE = re.compile(r"^[\w:]+[&*]* (?=[\w:~]+<)")
 # What the linker and the sanitizers add.
 NOT_OURS = re.compile(r"^(_init|_fini|_edata|_end|__bss_start|__asan.*|__odr_asan.*|___asan.*|"
                       r"__lsan.*|__ubsan.*|__sancov.*|__gcov.*|__start_.*|__stop_.*|_?.?__llvm.*)$")
@@ -25,7 +27,7 @@ WITHOUT_NAMESPACE = ("HttpClient", "RequestData", "QHttpHeader")
 
 def exported_name(symbol):
     """The class, or the function or constant of a namespace, to which the symbol belongs."""
-    name = OF_A_CLASS.sub("", symbol)
+    name = RETURN_TYPE.sub("", OF_A_CLASS.sub("", symbol))
     name = re.sub(r"\[abi:\w+\]", "", name)
     scopes = re.match(r"^[\w:~]+", name)
     parts = scopes.group(0).split("::") if scopes else [name]

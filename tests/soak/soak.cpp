@@ -22,13 +22,14 @@
 #include "download/DownloadManager.h"
 #include "host/Core/Log.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Sanitizers.h"
 #include "tools/server/UpdateServer.h"
 
 namespace {
 
 constexpr int longestWait = 30000;
 constexpr int warmUpRounds = 100;
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if VX_ADDRESS_SANITIZER || VX_THREAD_SANITIZER
 // Sanitizers keep what is freed for a while.
 constexpr qint64 allowedGrowthKilobytes = 1024 * 1024;
 #else

@@ -1,6 +1,8 @@
 #pragma once
 
-#if defined(__SANITIZE_ADDRESS__)
+#include "tests/support/Sanitizers.h"
+
+#if VX_ADDRESS_SANITIZER
 #include <sanitizer/lsan_interface.h>
 #endif
 
@@ -10,7 +12,7 @@ namespace vx::test {
 class LostOnPurpose
 {
 public:
-#if defined(__SANITIZE_ADDRESS__)
+#if VX_ADDRESS_SANITIZER
     LostOnPurpose()
     {
         __lsan_disable();

@@ -35,7 +35,7 @@ bool writeFile(const QString& path, const QByteArray& content)
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
 }
 
-const char configuration[] = R"([ca]
+const char opensslConfiguration[] = R"([ca]
 default_ca = own
 [own]
 database = index.txt
@@ -56,7 +56,7 @@ distinguished_name = name
 
 bool CertificateAuthority::make()
 {
-    return writeFile(m_folder.filePath("openssl.cnf"), configuration) &&
+    return writeFile(m_folder.filePath("openssl.cnf"), opensslConfiguration) &&
            writeFile(m_folder.filePath("index.txt"), "") &&
            runOpenssl({"req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-subj",
                        "/CN=Authority of a test", "-keyout", "ca-key.pem", "-out", "ca.pem"},

@@ -11,9 +11,10 @@
 #include "host/NetworkHttp/HttpClient.h"
 #include "tests/host/NetworkHttp/Daemon.h"
 #include "tests/host/NetworkHttp/ResultReceiver.h"
+#include "tests/support/Sanitizers.h"
 #include "tests/support/TestMain.h"
 
-#ifdef __SANITIZE_ADDRESS__
+#if VX_ADDRESS_SANITIZER
 // Freed memory that the sanitizer sets aside would be taken for memory of ours.
 extern "C" __attribute__((visibility("default"))) const char* __asan_default_options();
 extern "C" const char* __asan_default_options()
