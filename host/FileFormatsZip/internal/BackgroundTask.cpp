@@ -101,7 +101,7 @@ void BackgroundTask::start(std::function<void()> work, std::function<void()> whe
                 // library.
                 quint64 attributes[7] = {};
                 ::syscall(SYS_sched_getattr, 0, attributes, sizeof(attributes), 0);
-                attributes[3] = 30000000; // sched_runtime in nanoseconds
+                attributes[3] = 10000000; // sched_runtime in nanoseconds
                 ::syscall(SYS_sched_setattr, 0, attributes, 0);
                 shared->end(reasonOf(work));
                 work = nullptr;

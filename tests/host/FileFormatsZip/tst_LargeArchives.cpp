@@ -1,7 +1,9 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <numeric>
 #include <sys/stat.h>
+#include <vector>
 
 #include "host/FileFormatsZip/ZipReader.h"
 #include "tests/host/FileFormatsZip/Unpacking.h"
@@ -27,11 +29,10 @@ ZipBuilder manyFiles(int count = manyEntries)
 /** Bytes of which no part is like another, five megabytes of them and no round number. */
 QByteArray content()
 {
-    QByteArray bytes;
-    for (int i = 0; i < 700000; ++i) {
-        bytes += QByteArray::number(i) + ' ';
-    }
-    return bytes;
+    std::vector<quint32> numbers(1200001);
+    std::iota(numbers.begin(), numbers.end(), 0U);
+    return {reinterpret_cast<const char*>(numbers.data()),
+            static_cast<int>(numbers.size() * sizeof(quint32))};
 }
 
 } // namespace
