@@ -1,9 +1,27 @@
 // README's picture is the one that the target "screenshots" makes. Its pixels depend on the fonts
 // of a machine, so that what counts is what stands in it.
 #include <QImage>
+#include <QRegularExpression>
 #include <QtTest>
 
 #include "tests/support/TestMain.h"
+
+namespace {
+
+/** The lines of what a picture shows. Which platform of a package comes first is up to Qt's hash.
+ */
+QList<QStringList> shownIn(const QImage& picture)
+{
+    QList<QStringList> lines;
+    for (const QString& line : picture.text("Description").split('\n')) {
+        QStringList words = line.split(QRegularExpression("[ ,|]+"));
+        words.sort();
+        lines.append(words);
+    }
+    return lines;
+}
+
+} // namespace
 
 class ReadmePictureTest : public QObject
 {
@@ -20,7 +38,7 @@ void ReadmePictureTest::showsWhatIsDrawnToday()
     const QImage today(QStringLiteral(PICTURE_OF_TODAY));
     QVERIFY(!inReadme.isNull());
     QVERIFY(!inReadme.text("Description").isEmpty());
-    QCOMPARE(inReadme.text("Description"), today.text("Description"));
+    QCOMPARE(shownIn(inReadme), shownIn(today));
 }
 
 void ReadmePictureTest::showsWhatAPersonWouldExpect()
