@@ -6,6 +6,7 @@
 #include "tests/download/CatalogueProbe.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/Throws.h"
 
 using namespace vx;
 using namespace vx::test;
@@ -509,7 +510,7 @@ void CatalogueParserTest::otherExceptionsPass()
     LogCapture log;
     ThrowingDevice device;
     device.open(QIODevice::ReadOnly);
-    QVERIFY_EXCEPTION_THROWN(DownloadManager::parseXML(&device), std::runtime_error);
+    VX_VERIFY_THROWS(DownloadManager::parseXML(&device), std::runtime_error);
     QVERIFY(log.lines(2).isEmpty());
 }
 

@@ -5,6 +5,7 @@
 #include "tests/download/ChildProcess.h"
 #include "tests/download/EngineProbe.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/Throws.h"
 
 using namespace vx;
 using namespace vx::test;
@@ -145,10 +146,9 @@ void InstallerLaunchTest::otherInstallersEndInAnException()
 void InstallerLaunchTest::exceptionReachesACallerByName()
 {
     DownloadManager engine;
-    QVERIFY_EXCEPTION_THROWN(QMetaObject::invokeMethod(&engine, "runInstaller",
-                                                       Qt::DirectConnection,
-                                                       Q_ARG(QString, "/tmp/setup.exe")),
-                             ExceptionQt);
+    VX_VERIFY_THROWS(QMetaObject::invokeMethod(&engine, "runInstaller", Qt::DirectConnection,
+                                               Q_ARG(QString, "/tmp/setup.exe")),
+                     ExceptionQt);
 }
 
 int main(int argc, char** argv)

@@ -10,6 +10,7 @@
 #include "tests/download/EngineProbe.h"
 #include "tests/support/BoxWatcher.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/Throws.h"
 #include "tests/support/ZipBuilder.h"
 
 using namespace vx;
@@ -311,10 +312,9 @@ void ZipInstallerTest::exceptionCrossesAnInvocation()
     const DialogDriver driver([&user](QDialog* dialog) { return user.answer(dialog); });
     DownloadManager engine;
     const QString archive = path("missing.zip");
-    QVERIFY_EXCEPTION_THROWN(QMetaObject::invokeMethod(&engine, "runZipInstaller",
-                                                       Qt::DirectConnection,
-                                                       Q_ARG(QString, archive)),
-                             IOException);
+    VX_VERIFY_THROWS(QMetaObject::invokeMethod(&engine, "runZipInstaller", Qt::DirectConnection,
+                                               Q_ARG(QString, archive)),
+                     IOException);
     QCOMPARE(user.boxes.seen().value(0).title, QString("Unpacking failed"));
 }
 

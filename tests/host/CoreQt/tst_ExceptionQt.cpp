@@ -5,6 +5,7 @@
 #include "host/CoreQt/IOException.h"
 #include "host/CoreQt/ParseException.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/Throws.h"
 
 using vx::ExceptionQt;
 using vx::IOException;
@@ -46,10 +47,10 @@ void ExceptionQtTest::keepsTheCause()
 
 void ExceptionQtTest::isCaughtByType()
 {
-    QVERIFY_EXCEPTION_THROWN(throw IOException(QStringLiteral("x")), IOException);
-    QVERIFY_EXCEPTION_THROWN(throw IOException(QStringLiteral("x")), ExceptionQt);
-    QVERIFY_EXCEPTION_THROWN(throw ParseException(QStringLiteral("x")), ExceptionQt);
-    QVERIFY_EXCEPTION_THROWN(throw ParseException(QStringLiteral("x")), std::exception);
+    VX_VERIFY_THROWS(throw IOException(QStringLiteral("x")), IOException);
+    VX_VERIFY_THROWS(throw IOException(QStringLiteral("x")), ExceptionQt);
+    VX_VERIFY_THROWS(throw ParseException(QStringLiteral("x")), ExceptionQt);
+    VX_VERIFY_THROWS(throw ParseException(QStringLiteral("x")), std::exception);
     try {
         throw ParseException(QStringLiteral("x"));
     } catch (const IOException&) {

@@ -8,6 +8,7 @@
 #include "host/CoreQt/ParseException.h"
 #include "host/FileFormatsXml/XmlUtils.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/Throws.h"
 
 namespace {
 
@@ -131,7 +132,7 @@ void XmlEncodingTest::refuses_data()
 void XmlEncodingTest::refuses()
 {
     QFETCH(QByteArray, bytes);
-    QVERIFY_EXCEPTION_THROWN(rootTextOf(bytes), vx::ParseException);
+    VX_VERIFY_THROWS(rootTextOf(bytes), vx::ParseException);
 }
 
 VX_TEST_MAIN(XmlEncodingTest)

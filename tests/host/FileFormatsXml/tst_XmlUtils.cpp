@@ -9,6 +9,7 @@
 #include "host/CoreQt/ParseException.h"
 #include "host/FileFormatsXml/XmlUtils.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/Throws.h"
 
 using vx::ParseException;
 using vx::XmlUtils;
@@ -290,7 +291,7 @@ void XmlUtilsTest::refusesWhatIsNotWellFormed_data()
 void XmlUtilsTest::refusesWhatIsNotWellFormed()
 {
     QFETCH(QByteArray, xml);
-    QVERIFY_EXCEPTION_THROWN(parse(xml), ParseException);
+    VX_VERIFY_THROWS(parse(xml), ParseException);
 }
 
 void XmlUtilsTest::refusesEveryTruncation()
@@ -302,7 +303,7 @@ void XmlUtilsTest::refusesEveryTruncation()
     for (const QByteArray& whole : {catalogue, withType}) {
         QVERIFY(!parse(whole)->documentElement().isNull());
         for (int size = 0; size < whole.size(); ++size) {
-            QVERIFY_EXCEPTION_THROWN(parse(whole.left(size)), ParseException);
+            VX_VERIFY_THROWS(parse(whole.left(size)), ParseException);
         }
     }
 }
@@ -325,25 +326,25 @@ void XmlUtilsTest::leavesTheDocumentOnFailure()
     QBuffer buffer;
     buffer.setData("<a><b/></x>");
     buffer.open(QIODevice::ReadOnly);
-    QVERIFY_EXCEPTION_THROWN(XmlUtils::parseXml(&buffer, &document), ParseException);
+    VX_VERIFY_THROWS(XmlUtils::parseXml(&buffer, &document), ParseException);
     QCOMPARE(document.documentElement().tagName(), QStringLiteral("before"));
 }
 
 void XmlUtilsTest::refusesADeviceThatCannotBeRead()
 {
-    QVERIFY_EXCEPTION_THROWN(XmlUtils::parseXml(nullptr, nullptr), ParseException);
+    VX_VERIFY_THROWS(XmlUtils::parseXml(nullptr, nullptr), ParseException);
     QBuffer closed;
     closed.setData("<a/>");
-    QVERIFY_EXCEPTION_THROWN(XmlUtils::parseXml(&closed, nullptr), ParseException);
+    VX_VERIFY_THROWS(XmlUtils::parseXml(&closed, nullptr), ParseException);
     QBuffer writeOnly;
     writeOnly.open(QIODevice::WriteOnly);
-    QVERIFY_EXCEPTION_THROWN(XmlUtils::parseXml(&writeOnly, nullptr), ParseException);
+    VX_VERIFY_THROWS(XmlUtils::parseXml(&writeOnly, nullptr), ParseException);
 }
 
 void XmlUtilsTest::stopsReadingAtTheLimit()
 {
     EndlessDevice device;
-    QVERIFY_EXCEPTION_THROWN(XmlUtils::parseXml(&device, nullptr), ParseException);
+    VX_VERIFY_THROWS(XmlUtils::parseXml(&device, nullptr), ParseException);
     QVERIFY(device.taken > XmlUtils::maximumDocumentSize);
     QVERIFY(device.taken < XmlUtils::maximumDocumentSize + 1024 * 1024);
 }
@@ -354,7 +355,7 @@ void XmlUtilsTest::readsUpToTheLimit()
     xml.insert(3, QByteArray(int(XmlUtils::maximumDocumentSize) - xml.size(), ' '));
     QCOMPARE(qint64(xml.size()), XmlUtils::maximumDocumentSize);
     QCOMPARE(parse(xml)->documentElement().tagName(), QStringLiteral("a"));
-    QVERIFY_EXCEPTION_THROWN(parse(xml + ' '), ParseException);
+    VX_VERIFY_THROWS(parse(xml + ' '), ParseException);
 }
 
 void XmlUtilsTest::neverFetchesWhatIsOutside_data()
@@ -382,10 +383,10 @@ void XmlUtilsTest::neverFetchesWhatIsOutside()
 
 void XmlUtilsTest::refusesParameterEntities()
 {
-    QVERIFY_EXCEPTION_THROWN(parse("<!DOCTYPE a [<!ENTITY % p '<!ENTITY e \"x\">'>%p;]><a>&e;</a>"),
-                             ParseException);
-    QVERIFY_EXCEPTION_THROWN(
-        parse("<!DOCTYPE a [<!ENTITY % p SYSTEM 'file:///etc/hostname'>%p;]><a/>"), ParseException);
+    VX_VERIFY_THROWS(parse("<!DOCTYPE a [<!ENTITY % p '<!ENTITY e \"x\">'>%p;]><a>&e;</a>"),
+                     ParseException);
+    VX_VERIFY_THROWS(parse("<!DOCTYPE a [<!ENTITY % p SYSTEM 'file:///etc/hostname'>%p;]><a/>"),
+                     ParseException);
     QCOMPARE(parse("<!DOCTYPE a [<!ENTITY % p 'unused'>]><a>b</a>")->documentElement().text(),
              QStringLiteral("b"));
 }

@@ -5,6 +5,7 @@
 #include "host/FileFormatsZip/ZipReader.h"
 #include "tests/host/FileFormatsZip/Unpacking.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/Throws.h"
 #include "tests/support/ZipBuilder.h"
 
 using namespace vx::test;
@@ -120,7 +121,7 @@ void ZipReaderTest::opensOnlyForReading()
     ZipReader reader(path("a.zip"), nullptr);
     QVERIFY(!reader.open(QIODevice::OpenMode(mode)));
     QVERIFY(!reader.isOpen());
-    QVERIFY_EXCEPTION_THROWN(reader.extractFiles({"b.txt"}, path("target"), false), IOException);
+    VX_VERIFY_THROWS(reader.extractFiles({"b.txt"}, path("target"), false), IOException);
 }
 
 void ZipReaderTest::unopenedReaderListsNothingAndThrows()
@@ -128,7 +129,7 @@ void ZipReaderTest::unopenedReaderListsNothingAndThrows()
     ZipReader reader(path("a.zip"), nullptr);
     QVERIFY(!reader.isOpen());
     QVERIFY(reader.fileList(QRegExp()).isEmpty());
-    QVERIFY_EXCEPTION_THROWN(reader.extractFiles({}, path("target"), false), IOException);
+    VX_VERIFY_THROWS(reader.extractFiles({}, path("target"), false), IOException);
     QVERIFY(!QFileInfo::exists(path("target")));
 }
 
@@ -214,7 +215,7 @@ void ZipReaderTest::refusesOnlyWhatIsChosen()
     QCOMPARE(reader.fileList(QRegExp()), QStringList({"../evil", "good"}));
     reader.extractFiles({"good"}, path("target"), false);
     QCOMPARE(treeOf(path("target")).keys(), QList<QByteArray>{"good"});
-    QVERIFY_EXCEPTION_THROWN(reader.extractFiles({"../evil"}, path("other"), false), IOException);
+    VX_VERIFY_THROWS(reader.extractFiles({"../evil"}, path("other"), false), IOException);
 }
 
 void ZipReaderTest::linkToWhatIsNotChosen()
@@ -247,7 +248,7 @@ void ZipReaderTest::extractsTwice()
     reader.extractFiles({"b.txt"}, path("second"), false);
     QCOMPARE(treeOf(path("first")), treeOf(path("second")));
     // What is there already is not overwritten.
-    QVERIFY_EXCEPTION_THROWN(reader.extractFiles({"b.txt"}, path("first"), false), IOException);
+    VX_VERIFY_THROWS(reader.extractFiles({"b.txt"}, path("first"), false), IOException);
     QCOMPARE(treeOf(path("first")), treeOf(path("second")));
 }
 

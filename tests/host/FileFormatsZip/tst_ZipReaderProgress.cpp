@@ -11,6 +11,7 @@
 #include "host/FileFormatsZip/ZipReader.h"
 #include "tests/host/FileFormatsZip/Unpacking.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/Throws.h"
 #include "tests/support/ZipBuilder.h"
 
 using namespace vx::test;
@@ -203,7 +204,7 @@ void ZipReaderProgressTest::cancelIsForgottenWithANewDialog()
 
 void ZipReaderProgressTest::failureIsNoCancel()
 {
-    QVERIFY_EXCEPTION_THROWN(m_reader->extractFiles({"missing"}, target(), false), IOException);
+    VX_VERIFY_THROWS(m_reader->extractFiles({"missing"}, target(), false), IOException);
     QVERIFY(!m_reader->wasCanceled());
 }
 
@@ -228,7 +229,7 @@ void ZipReaderProgressTest::readerDestroyedMeanwhile()
 {
     onceUnderWay([this] { m_reader.reset(); });
     ZipReader* const reader = m_reader.data();
-    QVERIFY_EXCEPTION_THROWN(reader->extractFiles({"huge"}, target(), false), IOException);
+    VX_VERIFY_THROWS(reader->extractFiles({"huge"}, target(), false), IOException);
     QVERIFY(!m_reader);
     QVERIFY(quint64(unpackedSize()) < someSeconds.count / 2);
 }
@@ -246,7 +247,7 @@ void ZipReaderProgressTest::readerDestroyedByAModalDialog()
         });
     });
     ZipReader* const reader = m_reader.data();
-    QVERIFY_EXCEPTION_THROWN(reader->extractFiles({"huge"}, target(), false), IOException);
+    VX_VERIFY_THROWS(reader->extractFiles({"huge"}, target(), false), IOException);
     QVERIFY(!m_reader);
     QVERIFY(!isServed);
     QVERIFY(quint64(unpackedSize()) < someSeconds.count / 2);

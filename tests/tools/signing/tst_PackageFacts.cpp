@@ -4,6 +4,7 @@
 #include "download/DownloadManager.h"
 #include "host/CoreQt/ParseException.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/Throws.h"
 #include "tools/signing/CatalogueMarkup.h"
 #include "tools/signing/PackageFacts.h"
 #include "tools/signing/PackageFiles.h"
@@ -265,7 +266,7 @@ void PackageFactsTest::refusals()
 {
     QFETCH(QByteArray, document);
 
-    QVERIFY_EXCEPTION_THROWN(written(document), vx::ParseException);
+    VX_VERIFY_THROWS(written(document), vx::ParseException);
 }
 
 void PackageFactsTest::secondTimeChangesNothing()
