@@ -62,11 +62,16 @@ foreach(component runtime development workbench)
     DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/${package}" COMPONENT ${initial}${rest})
 endforeach()
 
-# Qt's headers refuse to be compiled without -fPIC, whatever a pkg-config file should hold.
-set(overrides "${PROJECT_BINARY_DIR}/debian/${vx_development_package}.overrides")
-file(WRITE "${overrides}" "${vx_development_package}: pkg-config-bad-directive -fPIC *\n")
-install(FILES "${overrides}" RENAME ${vx_development_package}
-  DESTINATION "${CMAKE_INSTALL_DATADIR}/lintian/overrides" COMPONENT Development)
+# What lintian finds and is meant so. Qt's headers refuse to be compiled without -fPIC, whatever a
+# pkg-config file should hold; and the smallest libraries call nothing of the C library.
+function(vx_override package component finding)
+  set(overrides "${PROJECT_BINARY_DIR}/debian/${package}.overrides")
+  file(WRITE "${overrides}" "${package}: ${finding} *\n")
+  install(FILES "${overrides}" RENAME ${package}
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/lintian/overrides" COMPONENT ${component})
+endfunction()
+vx_override(${vx_development_package} Development "pkg-config-bad-directive -fPIC")
+vx_override(${vx_runtime_package} Runtime library-not-linked-against-libc)
 
 # Where the libraries lie that the workbench, which is in another package, needs.
 get_property(installed_targets GLOBAL PROPERTY VX_INSTALLED_TARGETS)
