@@ -48,7 +48,7 @@ void judge(benchmark::State& state)
     const SigningKey key = SigningKey::generate();
     const auto form = static_cast<SigningKey::Form>(state.range(0));
     const QByteArray sealed = key.sealed(catalogue(), signedAt, 0, form);
-    const vx::PublicKeys keys(1, *vx::readPublicKey(key.publicKey().toLatin1()));
+    const vx::PublicKeys keys{*vx::readPublicKey(key.publicKey().toLatin1())};
     for (auto _ : state) {
         const vx::SealReading reading = vx::judgeSealed(sealed, keys, {signedAt, signedAt});
         if (reading.outcome != vx::SealOutcome::Accepted) {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QByteArray>
+#include <QList>
 #include <QString>
-#include <QVector>
 
 #include <array>
 #include <cstdint>
@@ -20,7 +20,7 @@ struct PublicKey
     std::array<std::uint8_t, 32> key;
 };
 
-using PublicKeys = QVector<PublicKey>;
+using PublicKeys = QList<PublicKey>;
 
 /** Reads the base64 line of a ".pub" file, or nothing. White space around it does no harm. */
 std::optional<PublicKey> readPublicKey(const QByteArray& line);
