@@ -219,15 +219,16 @@ void TrustedInstallationTest::laterCheckChangesNothing()
     TrustFixture fixture;
     const OfferedFile large = offeredFile("m15.msi", QByteArray(4 << 20, 'x'));
     fixture.openSealedList({large});
+    // The files of a catalogue are served from here on, but the large one is to arrive.
+    const QByteArray later =
+        fixture.catalogue({{"m15.exe", other, digestOf(other)}, {"m15.msi", other, "x"}});
     ServedReply slow;
     slow.body = large.content;
     slow.fault = ServedReply::Slow;
     slow.delayMs = 1500;
     fixture.serve("/files/m15.msi", slow);
     fixture.proceedWith(0);
-    fixture.answer(fixture.publisher.sealed(
-        fixture.catalogue({{"m15.exe", other, digestOf(other)}, {"m15.msi", other, "x"}}), now()));
-    fixture.serve("/files/m15.msi", slow);
+    fixture.answer(fixture.publisher.sealed(later, now()));
     QVERIFY(fixture.check());
     QTRY_VERIFY_WITH_TIMEOUT(hasRun(fixture.log), 20000);
     QCOMPARE(fixture.boxes.seen().size(), 1);
