@@ -6,6 +6,9 @@
 // bench_unzip --cancel <archive> <folder>
 //     With vx::ZipReader, whose dialog is cancelled as soon as it has got anywhere. Prints the
 //     milliseconds from the cancel to the return of the call.
+// bench_unzip --idle <seconds>
+//     Does nothing for that long, and prints the longest time in milliseconds for which the event
+//     loop did not get to its timer all the same: what the machine itself makes every program wait.
 //
 // compare_unzip.sh calls both, beside other programs.
 
@@ -64,6 +67,15 @@ int unpack(const QString& archive, const QString& folder)
     return exitCode;
 }
 
+int idle(const QString& seconds)
+{
+    const StallMeter stalls;
+    QTimer::singleShot(static_cast<int>(seconds.toDouble() * 1000), [] { QApplication::exit(0); });
+    QApplication::exec();
+    std::printf("%.1f\n", stalls.milliseconds());
+    return 0;
+}
+
 int cancel(const QString& archive, const QString& folder)
 {
     QProgressDialog dialog;
@@ -94,12 +106,15 @@ int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
     const QStringList arguments = QApplication::arguments();
+    if (arguments.size() == 3 && arguments.at(1) == QLatin1String("--idle")) {
+        return idle(arguments.at(2));
+    }
     if (arguments.size() == 3) {
         return unpack(arguments.at(1), arguments.at(2));
     }
     if (arguments.size() == 4 && arguments.at(1) == QLatin1String("--cancel")) {
         return cancel(arguments.at(2), arguments.at(3));
     }
-    std::fprintf(stderr, "usage: %s [--cancel] <archive> <folder>\n", argv[0]);
+    std::fprintf(stderr, "usage: %s [--cancel] <archive> <folder>, or --idle <seconds>\n", argv[0]);
     return 2;
 }

@@ -1,5 +1,8 @@
 #!/usr/bin/env bash
-# Unpacks two archives with vx::Unzipper, unzip and bsdtar in turn, and prints the medians.
+# Unpacks two archives with vx::Unzipper, unzip and bsdtar in turn, and prints the medians of the
+# times, and the longest of all stalls and cancels. The last column is the longest stall of an
+# application that did nothing for as long, in turn with the others: no stall can be shorter than
+# what the machine itself makes a program wait.
 #
 # Usage: compare_unzip.sh <bench_unzip> [<folder> [<runs>]]
 # <folder> takes archives and results, 2 GB of them, and is removed at the end; by default it is a
@@ -52,7 +55,7 @@ median() { sort -n "$1" | awk '{ value[NR] = $1 } END { print value[int((NR + 1)
 
 compare() {
     local archive=$1 run
-    rm -f ./*.seconds stalls cancels
+    rm -f ./*.seconds stalls cancels idles
     for ((run = 0; run < runs; ++run)); do
         rm -rf out && mkdir out
         timed unzip.seconds unzip -q "$archive" -d out
@@ -63,20 +66,21 @@ compare() {
         "$bench" "$archive" out >last
         cut -d' ' -f1 last >>ours.seconds
         cut -d' ' -f2 last >>stalls
+        "$bench" --idle "$(cut -d' ' -f1 last)" >>idles
         rm -rf out && mkdir out
         "$bench" --cancel "$archive" out >>cancels
     done
     rm -rf out
     awk -v name="$archive" -v unzip="$(median unzip.seconds)" -v bsdtar="$(median bsdtar.seconds)" \
         -v ours="$(median ours.seconds)" -v stall="$(sort -n stalls | tail -1)" \
-        -v stop="$(sort -n cancels | tail -1)" 'BEGIN {
+        -v stop="$(sort -n cancels | tail -1)" -v idle="$(sort -n idles | tail -1)" 'BEGIN {
             peer = unzip < bsdtar ? unzip : bsdtar
-            printf "| %s | %.2f s | %.2f s | %.2f s | %.2f | %.1f ms | %.1f ms |\n",
-                   name, unzip, bsdtar, ours, peer / ours, stall, stop }'
+            printf "| %s | %.2f s | %.2f s | %.2f s | %.2f | %.1f ms | %.1f ms | %.1f ms |\n",
+                   name, unzip, bsdtar, ours, peer / ours, stall, stop, idle }'
 }
 
 make_archives
-echo "| Archive | unzip | bsdtar | Unzipper | times the faster | longest stall | longest cancel |"
-echo "|---|---|---|---|---|---|---|"
+echo "| Archive | unzip | bsdtar | Unzipper | times the faster | longest stall | longest cancel | idle stall |"
+echo "|---|---|---|---|---|---|---|---|"
 compare big.zip
 compare many.zip
