@@ -28,7 +28,7 @@ std::optional<PublicKey> readPublicKey(const QByteArray& line);
 /** Reads a whole ".pub" file, comment and base64 line, or the base64 line alone, or nothing. */
 std::optional<PublicKey> readPublicKeyFile(const QByteArray& content);
 
-/** The number as minisign prints it: sixteen hexadecimal digits. */
+/** The number as minisign prints it, but always in sixteen hexadecimal digits. */
 QString keyIdText(const KeyId& id);
 
 } // namespace vx
