@@ -18,7 +18,6 @@ target_link_libraries(SoftwareUpdateClient
   PRIVATE $<BUILD_INTERFACE:VxStrictness>)
 vx_add_internals(SoftwareUpdateClient)
 set_property(GLOBAL APPEND PROPERTY VX_INSTALLED_TARGETS SoftwareUpdateClient)
-# Most of what compiling a source takes is parsing Qt's headers. scripts/lint goes without these, so
-# that each source has to include what it uses.
+# Most of what compiling a source takes is parsing Qt's headers.
 target_precompile_headers(SoftwareUpdateClient PRIVATE
   <QApplication> <QDateTime> <QDialog> <QDir> <QDomDocument> <QNetworkReply> <QSettings> <QTimer>)

@@ -4,7 +4,8 @@
 # Builds the reference implementation of one host library as the shared library Vx<Name>, with
 # hidden visibility and the export header host/<Name>/<Name>Export.h (macro VX_<NAME>_EXPORT).
 # A project that brings its own defines a target Vx<Name> before it adds this one: then nothing is
-# built here and everything links to that target. INTERNALS adds Vx<Name>Internals, see Internals.cmake.
+# built here and everything links to that target. PRECOMPILED takes the place of the headers of Qt's
+# core that all others share if they use Qt. INTERNALS adds Vx<Name>Internals, see Internals.cmake.
 function(vx_add_host_library name)
   cmake_parse_arguments(arg "INTERNALS" "" "SOURCES;PUBLIC;PRIVATE;PRECOMPILED" ${ARGN})
   set(target "Vx${name}")
@@ -24,13 +25,13 @@ function(vx_add_host_library name)
     "$<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/generated>"
     "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/${VX_PACKAGE}>")
   target_compile_features(${target} PUBLIC cxx_std_17)
-  # A document or an archive at its limit has a million nodes or entries, which takes minutes under
-  # the sanitizers without any optimisation.
-  target_compile_options(${target} PRIVATE $<$<CONFIG:Debug>:-Og>)
   target_link_libraries(${target} PUBLIC ${arg_PUBLIC}
     PRIVATE ${arg_PRIVATE} $<BUILD_INTERFACE:VxStrictness>)
+  vx_optimise_in_debug_builds(${target})
   if(arg_PRECOMPILED)
     target_precompile_headers(${target} PRIVATE ${arg_PRECOMPILED})
+  elseif("${VX_QT}::Core" IN_LIST arg_PUBLIC)
+    vx_precompile_qt_core(${target})
   endif()
   if(arg_INTERNALS)
     vx_add_internals(${target})
