@@ -9,7 +9,7 @@ namespace {
 
 constexpr qint64 largestAnswer = 64LL * 1024 * 1024; // bytes
 
-constexpr char mark[] = "vx_answerTooLong";
+constexpr char tooLongMark[] = "vx_answerTooLong";
 
 } // namespace
 
@@ -17,7 +17,7 @@ void stopAboveLargestAnswer(QNetworkReply* reply)
 {
     QObject::connect(reply, &QNetworkReply::readyRead, reply, [reply] {
         if (reply->bytesAvailable() > largestAnswer) {
-            reply->setProperty(mark, true);
+            reply->setProperty(tooLongMark, true);
             reply->abort();
         }
     });
@@ -25,7 +25,7 @@ void stopAboveLargestAnswer(QNetworkReply* reply)
 
 bool wasTooLong(const QNetworkReply& reply)
 {
-    return reply.property(mark).toBool();
+    return reply.property(tooLongMark).toBool();
 }
 
 } // namespace vx

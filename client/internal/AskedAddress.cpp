@@ -8,13 +8,13 @@ namespace vx {
 
 namespace {
 
-constexpr char mark[] = "vx_askedAddress";
+constexpr char addressMark[] = "vx_askedAddress";
 
 } // namespace
 
 QUrl askedAddress(const QNetworkReply& reply)
 {
-    const QVariant asked = reply.property(mark);
+    const QVariant asked = reply.property(addressMark);
     return asked.isValid() ? asked.toUrl() : reply.request().url();
 }
 
@@ -23,7 +23,7 @@ void passAskedAddressOn(const QNetworkReply& reply, const QNetworkAccessManager&
     const auto followers =
         manager.findChildren<QNetworkReply*>(QString(), Qt::FindDirectChildrenOnly);
     for (QNetworkReply* follower : followers) {
-        follower->setProperty(mark, askedAddress(reply));
+        follower->setProperty(addressMark, askedAddress(reply));
     }
 }
 

@@ -94,7 +94,7 @@ void readContent(const Record& record, uint64_t room, SeenEntry& entry)
     const auto* const bytes = reinterpret_cast<const Bytef*>(entry.content.data());
     entry.isContentKnown =
         entry.isContentKnown &&
-        crc32(0, bytes, static_cast<uInt>(entry.content.size())) == record.field(16, 4);
+        ::crc32(0, bytes, static_cast<uInt>(entry.content.size())) == record.field(16, 4);
 }
 
 bool isPlainName(std::string_view name)

@@ -11,11 +11,6 @@ namespace vx {
 
 namespace {
 
-std::string_view viewOf(const QByteArray& bytes)
-{
-    return {bytes.constData(), static_cast<size_t>(bytes.size())};
-}
-
 QDomDocument* parse(const QByteArray& document)
 {
     if (isWideEncoding(viewOf(document))) {

@@ -11,6 +11,12 @@
 
 namespace vx {
 
+/** @p bytes for what works on characters of the standard library. They must outlive the view. */
+inline std::string_view viewOf(const QByteArray& bytes)
+{
+    return {bytes.constData(), static_cast<size_t>(bytes.size())};
+}
+
 /** A package as the library reads it, and where it stands in the bytes. */
 struct PackageMarkup
 {

@@ -6,8 +6,6 @@ namespace vx {
 
 namespace {
 
-constexpr std::string_view whitespace = " \t\r\n";
-
 bool hasAt(std::string_view document, size_t at, std::string_view text)
 {
     return document.substr(at, text.size()) == text;
@@ -51,7 +49,7 @@ size_t behindDocumentType(std::string_view document, size_t at)
 
 size_t skipWhitespace(std::string_view document, size_t at)
 {
-    return document.find_first_not_of(whitespace, at);
+    return document.find_first_not_of(markupWhitespace, at);
 }
 
 MarkupElement readStartTag(std::string_view document, size_t at)

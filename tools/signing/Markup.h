@@ -6,6 +6,9 @@
 
 namespace vx {
 
+/** What counts as whitespace between the parts of a document. */
+constexpr std::string_view markupWhitespace = " \t\r\n";
+
 /** An attribute of a start tag. All places are offsets into the document's bytes. */
 struct MarkupAttribute
 {

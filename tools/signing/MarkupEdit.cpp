@@ -6,8 +6,6 @@ namespace vx {
 
 namespace {
 
-constexpr std::string_view whitespace = " \t\r\n";
-
 bool isKept(std::string_view markup)
 {
     return markup.substr(0, 4) == "<!--" || markup.substr(0, 2) == "<?";
@@ -22,7 +20,7 @@ std::string element(std::string_view name, std::string_view text)
 /** The last end of line before @p at and the whitespace behind it, if nothing else stands there. */
 std::string_view indentBefore(std::string_view document, size_t at)
 {
-    const size_t text = document.find_last_not_of(whitespace, at - 1);
+    const size_t text = document.find_last_not_of(markupWhitespace, at - 1);
     const std::string_view gap = document.substr(text + 1, at - text - 1);
     size_t lineEnd = gap.rfind('\n');
     if (lineEnd == std::string_view::npos) {
@@ -61,7 +59,7 @@ void MarkupEditor::replaceContent(const MarkupElement& element, std::string_view
     const std::string_view content = m_document.substr(0, element.contentEnd);
     std::string next(text);
     size_t at = element.tagEnd;
-    while ((at = content.find_first_not_of(whitespace, at)) != std::string_view::npos) {
+    while ((at = content.find_first_not_of(markupWhitespace, at)) != std::string_view::npos) {
         const bool markup = content[at] == '<';
         const size_t end =
             markup ? behindMarkup(content, at) : content.find_first_of(" \t\r\n<", at);
@@ -83,7 +81,7 @@ void MarkupEditor::addBehind(const MarkupValue& neighbour, std::string_view name
     if (neighbour.attribute) {
         const MarkupAttribute& attribute = *neighbour.attribute;
         const std::string quote(1, m_document[attribute.valueEnd]);
-        const size_t gap = m_document.find_last_not_of(whitespace, attribute.begin - 1) + 1;
+        const size_t gap = m_document.find_last_not_of(markupWhitespace, attribute.begin - 1) + 1;
         m_edits.push_back({attribute.valueEnd + 1, 0,
                            std::string(m_document.substr(gap, attribute.begin - gap)) +
                                std::string(name) + "=" + quote + std::string(text) + quote});

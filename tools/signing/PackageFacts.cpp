@@ -10,22 +10,16 @@ namespace vx {
 
 namespace {
 
-constexpr std::string_view whitespace = " \t\r\n";
 constexpr std::string_view sizeTag = "file-size";
 constexpr std::string_view digestTag = packageDigestTag;
 constexpr std::string_view addressTag = "url";
 
-std::string_view viewOf(const QByteArray& bytes)
-{
-    return {bytes.constData(), static_cast<size_t>(bytes.size())};
-}
-
 std::string_view trimmed(std::string_view text)
 {
-    const size_t first = text.find_first_not_of(whitespace);
+    const size_t first = text.find_first_not_of(markupWhitespace);
     return first == std::string_view::npos
                ? std::string_view()
-               : text.substr(first, text.find_last_not_of(whitespace) - first + 1);
+               : text.substr(first, text.find_last_not_of(markupWhitespace) - first + 1);
 }
 
 class FactsWriter

@@ -31,7 +31,7 @@ constexpr qint64 longestComment = 0xFFFF;
 constexpr qint64 mostBytesOfDirectory = 512LL * 1024 * 1024;
 
 // Some headers with the small contents between them.
-constexpr int windowSize = 16 * 1024;
+constexpr int searchWindowSize = 16 * 1024;
 
 // Far more than any system takes for a path.
 constexpr int mostBytesOfLink = 64 * 1024;
@@ -198,7 +198,7 @@ Archive::Archive(const QString& path, const std::atomic<bool>& canceled)
     }
     sort();
     m_dataEnd = extent.begin;
-    FileWindow window(m_file, m_dataEnd, windowSize);
+    FileWindow window(m_file, m_dataEnd, searchWindowSize);
     for (ArchiveEntry& entry : m_entries) {
         requireNotCanceled(canceled);
         readLocalHeader(window, extent.archiveBegin, entry);

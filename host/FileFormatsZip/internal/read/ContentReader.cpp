@@ -11,7 +11,7 @@ namespace vx {
 namespace {
 
 // With a piece of the output, it stays in a core's cache.
-constexpr int windowSize = 128 * 1024;
+constexpr int contentWindowSize = 128 * 1024;
 
 // ISA-L takes its bytes without const, and leaves them alone.
 unsigned char* bytesOf(ByteView bytes)
@@ -62,7 +62,7 @@ qint64 Inflater::consumed() const
 
 ContentReader::ContentReader(const Archive& archive, size_t pieceSize)
     : m_dataEnd(archive.dataEnd())
-    , m_window(archive.file(), archive.dataEnd(), windowSize)
+    , m_window(archive.file(), archive.dataEnd(), contentWindowSize)
     , m_pieceSize(pieceSize)
     , m_output(new char[pieceSize])
     , m_previous(new char[pieceSize])

@@ -4,8 +4,6 @@ namespace vx::test {
 
 namespace {
 
-const QString server = QStringLiteral("http://downloads.example.com/");
-
 QString fileOf(const WrittenPackage& package)
 {
     return package.fields.value("url").section('/', -1);
@@ -27,7 +25,7 @@ Breakage url(const QString& what, const QString& rule, const QString& before)
     return {what, rule, {}, Needs::Nothing, [before](Planting& p) {
                 WrittenPackage& package = p.catalogue.any();
                 package.fields["url"] = before + fileOf(package);
-                package.fields["base-url"] = server;
+                package.fields["base-url"] = downloadServer;
             }};
 }
 
@@ -83,12 +81,12 @@ BreakageList addressBreakages()
          {},
          Needs::Nothing,
          [](Planting& p) { p.catalogue.any().fields["url"] += "/"; }},
-        url("a whole address behind a `base-url`", "absolute-under-base", server),
+        url("a whole address behind a `base-url`", "absolute-under-base", downloadServer),
         url("another scheme behind a `base-url`", "absolute-under-base", "https://example.com/"),
         url("an address with `//` behind a `base-url`", "absolute-under-base", "//example.com/"),
         base("a `base-url` without its last slash", "base-without-slash",
              "http://downloads.example.com"),
-        base("a folder without its last slash", "base-without-slash", server + "packages"),
+        base("a folder without its last slash", "base-without-slash", downloadServer + "packages"),
         url("two slashes", "doubled-slash", "/"),
         url("a backslash", "odd-address", "packages\\"),
         url("a `#`", "odd-address", "packages#"),
@@ -99,8 +97,8 @@ BreakageList addressBreakages()
         base("`ftp`", "ignored-scheme", "ftp://downloads.example.com/"),
         base("a slip in `http`", "ignored-scheme", "htp://downloads.example.com/"),
         base("a port", "ignored-port", "http://downloads.example.com:8080/"),
-        base("a blank before the address", "blank-around", " " + server),
-        base("a line end behind `base-url`", "blank-around", server + "\n"),
+        base("a blank before the address", "blank-around", " " + downloadServer),
+        base("a line end behind `base-url`", "blank-around", downloadServer + "\n"),
         url("a line end before `url`", "blank-around", "\n"),
         {"one address for a whole set", "inherited-from-far", {}, Needs::Nothing, urlOfSet},
         notes("release notes without English", "notes-without-en", "de", whole),

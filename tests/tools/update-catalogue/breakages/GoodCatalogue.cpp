@@ -8,8 +8,6 @@ namespace vx::test {
 
 namespace {
 
-const QString server = QStringLiteral("http://downloads.example.com/");
-
 void collect(WrittenSet& set, QList<WrittenPackage*>& packages)
 {
     for (WrittenPackage& package : set.packages) {
@@ -73,7 +71,7 @@ GoodCatalogue::GoodCatalogue(QRandomGenerator& random)
     m_encoding = draw({"", "UTF-8", "UTF-8", "ISO-8859-1"});
     m_wholeAddresses = chance(20);
     if (!m_wholeAddresses) {
-        root.fields["base-url"] = server;
+        root.fields["base-url"] = downloadServer;
     }
     addApplication("CameraManager");
     if (chance(40)) {
@@ -117,7 +115,8 @@ QMap<QString, QString> GoodCatalogue::fileFields(const QString& name, const QStr
 {
     ++m_number;
     QMap<QString, QString> fields;
-    fields["url"] = (m_wholeAddresses ? server : QString()) + QString("%1.%2").arg(name, type);
+    fields["url"] =
+        (m_wholeAddresses ? downloadServer : QString()) + QString("%1.%2").arg(name, type);
     const QDateTime date = QDateTime(QDate(2025, 1, 1), QTime(9, 0)).addDays(m_number);
     fields["release-date"] = date.toString(chance(50) ? "yyyy-MM-dd" : "yyyy-MM-dd hh:mm:ss");
     const int size = 200 + m_random.bounded(700);

@@ -10,6 +10,9 @@
 
 namespace vx::test {
 
+/** What the addresses in the catalogues begin with. */
+inline const QString downloadServer = QStringLiteral("http://downloads.example.com/");
+
 /** One entry of release notes or of a readme. */
 struct NotesEntry
 {
