@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
-"""Holds the list of the headers that hosts may include, and compiles each of them alone.
+"""Holds the list of the headers that hosts may include, and compiles each of them.
 
-Whether a header includes what it needs does not depend on the compiler: the first one given compiles
-each alone, the others compile all of them in one source, for what they warn of.
+Each must include what it needs. That does not depend on the compiler: the first one given compiles
+each with nothing before it but headers that it includes anyway, the others compile all of them in
+one source, for what they warn of.
 
 Usage: check_headers.py --include DIR --list FILE --compilers CXX... --flags "..." [--also FILE...]
 
@@ -47,12 +48,40 @@ def missing_includes(folder, installed):
                     yield f'{name}: includes "{included}", which is not installed'
 
 
-def compile_alone(compiler, flags, source, path):
+def included_by(folder, installed):
+    """What of our own each header includes, by whatever road."""
+    direct = {}
+    for name in installed:
+        with open(os.path.join(folder, name), encoding="utf-8") as header:
+            direct[name] = set(OWN_INCLUDE.findall(header.read())) & installed
+
+    def closure(name):
+        return direct[name].union(*map(closure, direct[name]))
+    return {name: closure(name) for name in installed}
+
+
+def chains(included):
+    """All headers in as few sources as will do, each behind none but headers that it includes: to
+    parse those takes longest, and they add nothing that a header would not find without them."""
+    left = sorted(included, key=lambda name: (-len(included[name]), name))
+    while left:
+        chain = [left.pop(0)]
+        while candidates := [name for name in left if name in included[chain[0]]]:
+            left.remove(candidates[0])
+            chain.insert(0, candidates[0])
+        yield chain
+
+
+def compile_source(compiler, flags, source, path):
     command = [compiler, "-std=c++17", "-fsyntax-only", "-fPIC", "-Wall", "-Wextra", "-Wpedantic",
                "-Werror", *flags, "-x", "c++", path if path else "-"]
     result = subprocess.run(command, input=source, text=True, timeout=300, check=False,
                             stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
     return result.stdout if result.returncode else None
+
+
+def including(names):
+    return "".join(f'#include "{name}"\n' for name in names)
 
 
 def main():
@@ -72,14 +101,13 @@ def main():
 
     flags = ["-I" + options.include, *shlex.split(options.flags)]
     first, *others = options.compilers
-    tasks = [(first, flags, f'#include "{name}"\n', None)
-             for name in sorted(installed)]
-    tasks += [(compiler, flags, "".join(f'#include "{name}"\n' for name in sorted(installed)), None)
-              for compiler in others]
+    tasks = [(first, flags, including(chain), None)
+             for chain in chains(included_by(options.include, installed))]
+    tasks += [(compiler, flags, including(sorted(installed)), None) for compiler in others]
     tasks += [(compiler, flags, None, path)
               for compiler in options.compilers for path in options.also]
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        for task, output in zip(tasks, pool.map(lambda task: compile_alone(*task), tasks)):
+        for task, output in zip(tasks, pool.map(lambda task: compile_source(*task), tasks)):
             if output is not None:
                 failures.append(f"{task[0]}: {task[2] or task[3]}: {output}")
 

@@ -9,7 +9,7 @@ from the guide's table.
 
 Usage: newcomers_road.py --qt 5|6 --way find_package|pkg-config|add_subdirectory --source DIR
        --build DIR --packages DIR --onlooker DIR --folder DIR --compiler CXX --flags "..."
-       --build-type TYPE --type-flags "..." --generator NAME
+       --build-type TYPE --type-flags "..." --generator NAME --unity ON|OFF --batch NUMBER
 """
 
 import argparse
@@ -123,6 +123,8 @@ class Newcomer:
         self.build_with_cmake(
             self.readme.block("cmake", "add_subdirectory"),
             [f"-DSOFTWAREUPDATECLIENT_QT={self.options.qt}",
+             f"-DCMAKE_UNITY_BUILD={self.options.unity}",
+             f"-DCMAKE_UNITY_BUILD_BATCH_SIZE={self.options.batch}",
              f"-DCMAKE_CXX_COMPILER_LAUNCHER={sys.executable};{launcher}"],
             REUSE_BUILD=self.options.build, REUSE_SOURCE=self.options.source,
             REUSE_OWN_BUILD=f"{self.project}/build/SoftwareUpdateClient", REUSE_OWN_SOURCE=source)
@@ -174,7 +176,7 @@ class Newcomer:
 def main():
     parser = argparse.ArgumentParser()
     for option in ("qt", "way", "source", "build", "packages", "onlooker", "folder", "compiler", "flags",
-                   "build-type", "type-flags", "generator"):
+                   "build-type", "type-flags", "generator", "unity", "batch"):
         parser.add_argument("--" + option, required=True)
     newcomer = Newcomer(parser.parse_args())
     newcomer.install()
