@@ -96,11 +96,12 @@ void BackgroundTask::start(std::function<void()> work, std::function<void()> whe
                 sigset_t all;
                 sigfillset(&all);
                 pthread_sigmask(SIG_SETMASK, &all, nullptr);
-                // Linux lets the event loop in at once if the busy thread asks for longer turns.
-                // The numbers are a sched_attr, whose header can't stand beside that of the C
-                // library.
+                // Linux lets the event loop in at once if the busy thread is nicer and asks for
+                // longer turns. The numbers are a sched_attr, whose header can't stand beside that
+                // of the C library.
                 quint64 attributes[7] = {};
                 ::syscall(SYS_sched_getattr, 0, attributes, sizeof(attributes), 0);
+                attributes[2] = static_cast<quint32>(attributes[2] + 5); // sched_nice, 19 at most
                 attributes[3] = 10000000; // sched_runtime in nanoseconds
                 ::syscall(SYS_sched_setattr, 0, attributes, 0);
                 shared->end(reasonOf(work));
