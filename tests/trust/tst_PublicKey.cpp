@@ -59,6 +59,7 @@ void PublicKeyTest::numberIsThatOfTheComment()
     const QString comment = QString::fromLatin1(m_minisign.publicKeyFile().split('\n').first());
     QCOMPARE(comment, QStringLiteral("untrusted comment: minisign public key ") +
                           keyIdText(key->id).remove(QRegularExpression("^0+")));
+    QCOMPARE(keyIdText({0xEF, 0xCD, 0xAB, 0, 0, 0, 0x02, 0}), QString("0002000000ABCDEF"));
 }
 
 void PublicKeyTest::refuses_data()
