@@ -10,7 +10,7 @@
 //     Does nothing for that long, and prints the longest time in milliseconds for which the event
 //     loop did not get to its timer all the same: what the machine itself makes every program wait.
 //
-// compare_unzip.sh calls both, beside other programs.
+// compare_unzip.sh calls them in turn, beside other programs.
 
 #include <QApplication>
 #include <QElapsedTimer>
