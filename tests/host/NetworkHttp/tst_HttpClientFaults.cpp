@@ -1,5 +1,6 @@
 #include <QElapsedTimer>
 #include <QFile>
+#include <QPointer>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -53,6 +54,13 @@ QByteArray announce(qint64 length)
     return "HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(length) + "\r\n\r\n";
 }
 
+/** An answer in chunks, the first of which has @p size bytes, without an end. */
+QByteArray unfinishedChunk(int size)
+{
+    return "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n" + QByteArray::number(size, 16) +
+           "\r\n" + QByteArray(size, 'x') + "\r\n";
+}
+
 int warnings = 0;
 
 void countWarning(QtMsgType, const QMessageLogContext&, const QString&)
@@ -89,6 +97,8 @@ private slots:
     void keepsOneRequestsFaultFromAnother();
     void noticesAMissingEndAtOnce_data();
     void noticesAMissingEndAtOnce();
+    void deliversAllBeforeALateCut_data() { noticesAMissingEndAtOnce_data(); }
+    void deliversAllBeforeALateCut();
 };
 
 void HttpClientFaultsTest::endsOnce_data()
@@ -446,8 +456,7 @@ void HttpClientFaultsTest::noticesAMissingEndAtOnce()
 {
     QFETCH(int, size);
     RawServer server;
-    server.setReply("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n" +
-                    QByteArray::number(size, 16) + "\r\n" + QByteArray(size, 'x') + "\r\n");
+    server.setReply(unfinishedChunk(size));
     HttpClient client(server.host());
     ResultReceiver receiver;
     client.get("/", &receiver, SLOT(queryResult(RequestPtr)), ownBuffer());
@@ -455,8 +464,31 @@ void HttpClientFaultsTest::noticesAMissingEndAtOnce()
     QTRY_COMPARE_WITH_TIMEOUT(receiver.results.size(), 1, 20000);
     QCOMPARE(receiver.results.first()->statusCode, 200);
     // Of an answer that is cut, the network stack drops what it holds back at that moment.
-    const auto received = receiver.results.first()->getResponseBuffer()->size();
-    QVERIFY2(received > 0 && received <= size, qPrintable(QString::number(received)));
+    const QByteArray received = receiver.results.first()->getResponseBuffer()->data();
+    QVERIFY2(!received.isEmpty() && received.size() <= size,
+             qPrintable(QString::number(received.size())));
+    QCOMPARE(received, QByteArray(received.size(), 'x'));
+}
+
+void HttpClientFaultsTest::deliversAllBeforeALateCut()
+{
+    QFETCH(int, size);
+    RawServer server;
+    QPointer<QTcpSocket> connection;
+    server.setScript([&connection, size](QTcpSocket* socket, const QByteArray&) {
+        connection = socket;
+        socket->write(unfinishedChunk(size));
+    });
+    HttpClient client(server.host());
+    ResultReceiver receiver;
+    QBuffer device;
+    device.open(QIODevice::WriteOnly);
+    client.get("/", &receiver, SLOT(queryResult(RequestPtr)), &device);
+    QTRY_COMPARE(device.data().size(), size);
+    connection->disconnectFromHost();
+    QTRY_COMPARE_WITH_TIMEOUT(receiver.results.size(), 1, 20000);
+    QCOMPARE(receiver.results.first()->statusCode, 200);
+    QCOMPARE(device.data(), QByteArray(size, 'x'));
 }
 
 VX_TEST_MAIN(HttpClientFaultsTest)
